@@ -1,0 +1,39 @@
+#pragma once
+// A small benchmark harness on QueryPerformanceCounter: runs a body in
+// batches until enough time has passed and reports nanoseconds per call,
+// the best of several rounds.
+
+#include <windows.h>
+
+#include <cstdio>
+
+namespace bench {
+
+// Keeps the optimiser from dropping a computed value.
+template <typename T>
+inline void keep(const T& value) {
+  asm volatile("" : : "g"(&value) : "memory");
+}
+
+template <typename Body>
+double nsPerCall(Body body, long long batch = 100000, int rounds = 5) {
+  LARGE_INTEGER frequency;
+  QueryPerformanceFrequency(&frequency);
+  double best = 1e300;
+  for (int round = 0; round < rounds; ++round) {
+    LARGE_INTEGER start, stop;
+    QueryPerformanceCounter(&start);
+    for (long long i = 0; i < batch; ++i) body(i);
+    QueryPerformanceCounter(&stop);
+    double ns = 1e9 * double(stop.QuadPart - start.QuadPart) / double(frequency.QuadPart) / double(batch);
+    if (ns < best) best = ns;
+  }
+  return best;
+}
+
+// One line: what was measured, our figure, the peer's figure and the ratio.
+inline void report(const char* what, double ours, const char* peer, double theirs) {
+  std::printf("%-44s %9.2f ns   %-34s %9.2f ns   ratio %.2f\n", what, ours, peer, theirs, ours / theirs);
+}
+
+}  // namespace bench

@@ -1,0 +1,6 @@
+#include "extensions/KrRxProtocolReactorManagerFactory.h"
+
+#include "runtime/KrRxCoreClass.h"
+
+KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxProtocolReactorManagerFactory, KrRxService)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxImpProtocolReactorManagerFactory, KrRxProtocolReactorManagerFactory)

@@ -1,0 +1,21 @@
+#pragma once
+// The Kestrune runtime: every public header of kr1st20.dll.
+
+#include "krdiagnostics.h"
+#include "krerrorstatus.h"
+#include "krexport.h"
+#include "krheap.h"
+#include "krhostservices.h"
+#include "krrxclass.h"
+#include "krrxcopyonwrite.h"
+#include "krrxdictionary.h"
+#include "krrxdynamiclinker.h"
+#include "krrxgenhand.h"
+#include "krrxgenvoid.h"
+#include "krrxiterator.h"
+#include "krrxlinkedlist.h"
+#include "krrxmodulemessages.h"
+#include "krrxobject.h"
+#include "krrxservice.h"
+#include "krrxset.h"
+#include "krrxsystem.h"

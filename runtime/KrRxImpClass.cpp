@@ -1,0 +1,380 @@
+// Class descriptors' implementation: creation, the pending list, connection
+// into the class tree, replacement, deletion and the protocol tables.
+
+#include "runtime/KrRxImpClass.h"
+
+#include <cstddef>
+#include <cwchar>
+
+#include "krdiagnostics.h"
+#include "krrxdictionary.h"
+#include "krrxgenhand.h"
+#include "krrxiterator.h"
+#include "krrxset.h"
+#include "krrxsystem.h"
+#include "runtime/KrRxImpSet.h"
+
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+static_assert(offsetof(KrRxImpClass, mpOwner) == 8, "owner follows the vtable pointer");
+static_assert(offsetof(KrRxImpClass, mpModule) == 16 && offsetof(KrRxImpClass, mDictionaryId) == 24 &&
+                  offsetof(KrRxImpClass, mpName) == 32 && offsetof(KrRxImpClass, mpParentName) == 40 &&
+                  offsetof(KrRxImpClass, mpParent) == 48 && offsetof(KrRxImpClass, mpDescendants) == 56 &&
+                  offsetof(KrRxImpClass, mpPseudoConstructor) == 64 &&
+                  offsetof(KrRxImpClass, mpMemberBuilder) == 72 &&
+                  offsetof(KrRxImpClass, mpMemberBuilderData) == 80 &&
+                  offsetof(KrRxImpClass, mProtocolIndex) == 88 && offsetof(KrRxImpClass, mpPeTable) == 96 &&
+                  offsetof(KrRxImpClass, mExtensions) == 104 && offsetof(KrRxImpClass, mUiContexts) == 128 &&
+                  offsetof(KrRxImpClass, mpInfo) == 152,
+              "descriptor implementation fields in their fixed order");
+
+KrRxGrowArray<KrRxImpClass*> KrRxImpClass::newClasses;
+KrRxGrowArray<KrRxImpClass*> KrRxImpClass::deletedClasses;
+KrRxGrowArray<const KrRxClass*> KrRxImpClass::protocolClasses;
+
+namespace {
+
+// The all-zero information record shared by classes created without any.
+KrRxClassInfo sEmptyInfo = {};
+
+wchar_t* copyText(const wchar_t* text) { return text ? __krStrdup(text) : nullptr; }
+
+// Calls visit(descendant) for each direct descendant of a class.
+template <typename Visit>
+void forEachDescendant(const KrRxImpClass* imp, Visit visit) {
+  if (!imp->mpDescendants) return;
+  KrRxIterator* it = imp->mpDescendants->newIterator(true);
+  for (; !it->done(); it->next()) visit(static_cast<KrRxClass*>(it->object())->impObj());
+  delete it;
+}
+
+}  // namespace
+
+KrRxImpClass::KrRxImpClass(KrRxClass* owner, const wchar_t* name, const wchar_t* parentName,
+                           KrRxPseudoConstructor pseudoConstructor, KrRxMemberBuilder memberBuilder,
+                           void* memberBuilderData)
+    : mpOwner(owner),
+      mpModule(KrRxGenHand::curModule()),
+      mDictionaryId(0),
+      mpName(copyText(name)),
+      mpParentName(copyText(parentName)),
+      mpParent(nullptr),
+      mpDescendants(nullptr),
+      mpPseudoConstructor(pseudoConstructor),
+      mpMemberBuilder(memberBuilder),
+      mpMemberBuilderData(memberBuilderData),
+      mProtocolIndex(0),
+      mpPeTable(nullptr),
+      mpInfo(&sEmptyInfo) {
+  newClasses.append(this);
+}
+
+KrRxImpClass::~KrRxImpClass() {
+  if (mpDescendants)
+    krrx_abort(L"Attempt to delete class '%ls' which still has registered descendants.", mpName);
+  for (int32_t i = 0; i < newClasses.count; ++i)
+    if (newClasses.data[i] == this) newClasses.data[i] = nullptr;
+  if (mProtocolIndex > 0) protocolClasses.data[mProtocolIndex] = nullptr;
+  if (mpInfo != &sEmptyInfo) {
+    __krFree(mpInfo->appName);
+    __krFree(mpInfo->dxfName);
+    __krFree(mpInfo);
+  }
+  if (mpPeTable && mpPeTable->owner == this) {
+    mpPeTable->entries.release();
+    __krFree(mpPeTable);
+  }
+  __krFree(mpName);
+  __krFree(mpParentName);
+  mUiContexts.release();
+  mExtensions.release();
+}
+
+KrRxClass* KrRxImpClass::newClass(const wchar_t* name, const wchar_t* parentName, int version,
+                                  int maintenanceVersion, int proxyFlags,
+                                  KrRxPseudoConstructor pseudoConstructor, const wchar_t* dxfName,
+                                  const wchar_t* appName, KrRxAppNameCallback appNameCallback,
+                                  KrRxMemberBuilder memberBuilder, void* memberBuilderData) {
+  KrRxClass* cls = new KrRxClass(name, parentName, pseudoConstructor, memberBuilder, memberBuilderData);
+  if (version || maintenanceVersion || proxyFlags || dxfName || appName || appNameCallback) {
+    auto* info = static_cast<KrRxClassInfo*>(__krMalloc(sizeof(KrRxClassInfo)));
+    if (info) {
+      *info = {appNameCallback, copyText(appName), copyText(dxfName), proxyFlags, version, maintenanceVersion};
+      cls->impObj()->mpInfo = info;
+    }
+  }
+  return cls;
+}
+
+// ---- Class tree ----
+
+void KrRxImpClass::takeOver(KrRxImpClass* replaced) {
+  mpDescendants = replaced->mpDescendants;
+  replaced->mpDescendants = nullptr;
+  forEachDescendant(this, [this](KrRxImpClass* child) { child->mpParent = mpOwner; });
+  mpPeTable = replaced->mpPeTable;
+  replaced->mpPeTable = nullptr;
+  if (mpPeTable && mpPeTable->owner == replaced) mpPeTable->owner = this;
+  replaced->mDictionaryId = 0;
+  // The replaced descriptor leaves its parent so that this one can take its place.
+  if (replaced->mpParent) {
+    impOf(replaced->mpParent)->removeDescendant(replaced->mpOwner);
+    replaced->mpParent = nullptr;
+  }
+}
+
+void KrRxImpClass::connectNewClasses(KrRxDictionary* dictionary) {
+  for (int32_t i = 0; i < newClasses.count; ++i) {
+    KrRxImpClass* imp = newClasses.data[i];
+    if (!imp) continue;
+    KrRxObject* replaced = dictionary->atPut(imp->mpName, imp->mpOwner, imp->mDictionaryId);
+    if (replaced && replaced != imp->mpOwner) imp->takeOver(static_cast<KrRxClass*>(replaced)->impObj());
+  }
+  bool deferred;
+  do {
+    deferred = false;
+    for (int32_t i = 0; i < newClasses.count; ++i) {
+      KrRxImpClass* imp = newClasses.data[i];
+      if (!imp || !imp->mDictionaryId) continue;
+      if (imp->connect(dictionary))
+        newClasses.data[i] = nullptr;
+      else
+        deferred = true;
+    }
+  } while (deferred);
+  newClasses.count = 0;
+}
+
+bool KrRxImpClass::connect(KrRxDictionary* dictionary) {
+  if (mpParentName) {
+    KrRxClass* parent = static_cast<KrRxClass*>(dictionary->at(mpParentName));
+    if (!parent) krrx_abort(L"Class '%ls' parent named '%ls' not found.", mpName, mpParentName);
+    KrRxImpClass* parentImp = parent->impObj();
+    if (!parentImp->mpPeTable) return false;
+    if (!parentImp->addDescendant(mpOwner))
+      krrx_abort(L"Class '%ls' already contains a descendant called '%ls'.", parentImp->mpName, mpName);
+    mpParent = parent;
+    // A descriptor that took over a replaced one's table keeps it, and with
+    // it everything its subtree inherits.
+    if (!mpPeTable) mpPeTable = parentImp->mpPeTable;
+    for (int32_t i = 0; i < mExtensions.count; ++i)
+      updateTables(mExtensions.data[i].protocolClass, mExtensions.data[i].object);
+  } else if (!mpPeTable) {
+    mpPeTable = static_cast<KrRxProtocolTable*>(__krMalloc(sizeof(KrRxProtocolTable)));
+    *mpPeTable = {this, {}};
+  }
+  return true;
+}
+
+bool KrRxImpClass::disconnect(KrRxDictionary* dictionary) {
+  if (mpDescendants) return false;
+  if (mpParent) {
+    KrRxImpClass* parentImp = mpParent->impObj();
+    if (!parentImp->removeDescendant(mpOwner))
+      krrx_abort(L"Class '%ls' does not contain a descendant called '%ls'.", parentImp->mpName, mpName);
+    mpParent = nullptr;
+  }
+  if (mDictionaryId) {
+    dictionary->remove(mDictionaryId);
+    mDictionaryId = 0;
+  }
+  return true;
+}
+
+bool KrRxImpClass::addDescendant(KrRxClass* cls) {
+  if (!mpDescendants) mpDescendants = new KrRxImpSet(false);
+  return mpDescendants->add(cls);
+}
+
+bool KrRxImpClass::removeDescendant(KrRxClass* cls) {
+  if (!mpDescendants || !mpDescendants->remove(cls)) return false;
+  if (mpDescendants->numEntries() == 0) {
+    delete mpDescendants;
+    mpDescendants = nullptr;
+  }
+  return true;
+}
+
+// ---- Deletion ----
+
+namespace {
+
+struct DeleteRequest {
+  KrRxClass* cls;
+};
+
+void deleteInOwnContext(void* request) { KrRxImpClass::deleteClass(static_cast<DeleteRequest*>(request)->cls); }
+
+}  // namespace
+
+void KrRxImpClass::deleteClass(KrRxClass* cls) {
+  KrRxImpClass* imp = cls->impObj();
+  if (imp->mpModule == KrRxGenHand::curModule()) {
+    for (int32_t i = 0; i < deletedClasses.count; ++i)
+      if (deletedClasses.data[i] == imp) return;
+    deletedClasses.append(imp);
+    return;
+  }
+  DeleteRequest request = {cls};
+  if (imp->mpModule) {
+    imp->mpModule->executeInAppContext(deleteInOwnContext, &request);
+    return;
+  }
+  KrRxGenHand* resumed = KrRxGenHand::setCurModule(nullptr);
+  deleteInOwnContext(&request);
+  KrRxGenHand::setCurModule(resumed);
+}
+
+void KrRxImpClass::clearDeletedClassesArray() {
+  KrRxDictionary* dictionary = sysClasses;
+  bool progress = true;
+  while (progress) {
+    progress = false;
+    for (int32_t i = 0; i < deletedClasses.count; ++i) {
+      KrRxImpClass* imp = deletedClasses.data[i];
+      if (!imp || !imp->disconnect(dictionary)) continue;
+      deletedClasses.data[i] = nullptr;
+      delete imp->mpOwner;
+      progress = true;
+    }
+  }
+  int32_t kept = 0;
+  for (int32_t i = 0; i < deletedClasses.count; ++i)
+    if (deletedClasses.data[i]) deletedClasses.data[kept++] = deletedClasses.data[i];
+  deletedClasses.count = kept;
+}
+
+void KrRxImpClass::releaseGlobalTables() {
+  newClasses.release();
+  deletedClasses.release();
+  protocolClasses.release();
+}
+
+// ---- Protocol extensions ----
+
+int32_t KrRxImpClass::findExtension(const KrRxClass* protocolClass, bool& found) const {
+  int32_t low = 0, high = mExtensions.count;
+  while (low < high) {
+    int32_t middle = (low + high) / 2;
+    if (mExtensions.data[middle].protocolClass < protocolClass)
+      low = middle + 1;
+    else
+      high = middle;
+  }
+  found = low < mExtensions.count && mExtensions.data[low].protocolClass == protocolClass;
+  return low;
+}
+
+bool KrRxImpClass::hasOwnExtension(const KrRxClass* protocolClass) const {
+  bool found;
+  findExtension(protocolClass, found);
+  return found;
+}
+
+int32_t KrRxImpClass::protocolSlotFor(const KrRxClass* protocolClass) {
+  KrRxImpClass* protocol = impOf(protocolClass);
+  if (protocol->mProtocolIndex) return protocol->mProtocolIndex;
+  if (protocolClasses.count == 0 && !protocolClasses.append(nullptr)) return protocol->mProtocolIndex = -1;
+  for (int32_t slot = 1; slot < protocolClasses.count; ++slot) {
+    if (!protocolClasses.data[slot]) {
+      protocolClasses.data[slot] = protocolClass;
+      return protocol->mProtocolIndex = slot;
+    }
+  }
+  if (!protocolClasses.append(protocolClass)) return protocol->mProtocolIndex = -1;
+  return protocol->mProtocolIndex = protocolClasses.count - 1;
+}
+
+KrRxObject* KrRxImpClass::inheritedEntry(int32_t index) const {
+  if (!mpParent) return nullptr;
+  const KrRxProtocolTable* table = impOf(mpParent)->mpPeTable;
+  return table && index < table->entries.count ? table->entries.data[index] : nullptr;
+}
+
+// Gives this class a private copy of the table it shares, and moves every
+// descendant that shared the same table onto the copy.
+void KrRxImpClass::makeOwnTable() {
+  KrRxProtocolTable* shared = mpPeTable;
+  auto* own = static_cast<KrRxProtocolTable*>(__krMalloc(sizeof(KrRxProtocolTable)));
+  *own = {this, {}};
+  own->entries.reserve(shared->entries.count);
+  if (shared->entries.count)
+    memcpy(own->entries.data, shared->entries.data, shared->entries.count * sizeof(KrRxObject*));
+  own->entries.count = shared->entries.count;
+  mpPeTable = own;
+  struct Repoint {
+    static void run(KrRxImpClass* imp, KrRxProtocolTable* from, KrRxProtocolTable* to) {
+      forEachDescendant(imp, [from, to](KrRxImpClass* child) {
+        if (child->mpPeTable != from) return;
+        child->mpPeTable = to;
+        run(child, from, to);
+      });
+    }
+  };
+  Repoint::run(this, shared, own);
+}
+
+void KrRxImpClass::setEntry(int32_t index, KrRxObject* object) {
+  KrRxGrowArray<KrRxObject*>& entries = mpPeTable->entries;
+  if (index >= entries.count) {
+    if (!entries.reserve(index + 1)) return;
+    memset(entries.data + entries.count, 0, (index + 1 - entries.count) * sizeof(KrRxObject*));
+    entries.count = index + 1;
+  }
+  entries.data[index] = object;
+}
+
+// Sets this class's entry for protocolClass to object and carries it down to
+// every descendant without an attachment of its own.
+void KrRxImpClass::updateTables(const KrRxClass* protocolClass, KrRxObject* object) {
+  if (!mpPeTable) return;
+  int32_t index = impOf(protocolClass)->mProtocolIndex;
+  if (mpPeTable->owner != this) makeOwnTable();
+  setEntry(index, object);
+  struct Descend {
+    static void run(KrRxImpClass* imp, const KrRxClass* protocolClass, int32_t index, KrRxObject* object) {
+      forEachDescendant(imp, [=](KrRxImpClass* child) {
+        if (child->hasOwnExtension(protocolClass)) return;
+        if (child->mpPeTable && child->mpPeTable->owner == child) child->setEntry(index, object);
+        run(child, protocolClass, index, object);
+      });
+    }
+  };
+  Descend::run(this, protocolClass, index, object);
+}
+
+KrRxObject* KrRxImpClass::addX(const KrRxClass* protocolClass, KrRxObject* object) {
+  if (!impOf(protocolClass)->mProtocolIndex && !object) return nullptr;
+  if (protocolSlotFor(protocolClass) < 0) return nullptr;
+  bool found;
+  int32_t position = findExtension(protocolClass, found);
+  KrRxObject* previous = nullptr;
+  if (found) {
+    previous = mExtensions.data[position].object;
+    if (object)
+      mExtensions.data[position].object = object;
+    else
+      mExtensions.removeAt(position);
+  } else if (object) {
+    mExtensions.insertAt(position, {protocolClass, object});
+  }
+  updateTables(protocolClass, object ? object : inheritedEntry(impOf(protocolClass)->mProtocolIndex));
+  return previous;
+}
+
+KrRxObject* KrRxImpClass::delX(const KrRxClass* protocolClass) {
+  int32_t index = impOf(protocolClass)->mProtocolIndex;
+  if (index <= 0) return nullptr;
+  bool found;
+  int32_t position = findExtension(protocolClass, found);
+  if (!found) return nullptr;
+  KrRxObject* previous = mExtensions.data[position].object;
+  mExtensions.removeAt(position);
+  updateTables(protocolClass, inheritedEntry(index));
+  return previous;
+}
+
+KrRxObject* KrRxImpClass::lookupX(const KrRxClass* protocolClass) const {
+  int32_t index = impOf(protocolClass)->mProtocolIndex;
+  const KrRxProtocolTable* table = mpPeTable;
+  return table && index > 0 && index < table->entries.count ? table->entries.data[index] : nullptr;
+}

@@ -1,0 +1,280 @@
+#include "runtime/KrRxImpDictionary.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstddef>
+#include <cstring>
+#include <cwchar>
+#include <thread>
+
+#include "runtime/KrRxCoreClass.h"
+#include "runtime/KrRxImpDictionaryIterator.h"
+
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxImpDictionary, KrRxDictionary)
+
+// The field order is part of the binary interface.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+struct KrRxImpDictionaryLayout {
+  static_assert(offsetof(KrRxImpDictionary, mpRequiredClass) == 8, "requiredClass follows the vtable");
+  static_assert(offsetof(KrRxImpDictionary, mKeyIndex) == 16, "keyIndex");
+  static_assert(offsetof(KrRxImpDictionary, mEntries) == 40, "entries");
+  static_assert(offsetof(KrRxImpDictionary, mLiveCount) == 64, "liveCount");
+  static_assert(offsetof(KrRxImpDictionary, mSortState) == 68, "sortState");
+  static_assert(offsetof(KrRxImpDictionary, mCompare) == 72, "compare");
+  static_assert(offsetof(KrRxImpDictionary, mDispose) == 80, "dispose");
+  static_assert(sizeof(KrRxImpDictionary::Entry) == 16, "an entry is a key and an object");
+  static_assert(sizeof(std::atomic<int32_t>) == 4, "sortState is 32-bit");
+};
+#pragma GCC diagnostic pop
+
+namespace {
+
+enum SortState : int32_t { kPermanentlySorted = -1, kUnindexed = 0, kBuilding = 1, kIndexed = 2 };
+
+int compareCodeUnits(const wchar_t* a, const wchar_t* b) {
+  while (*a && *a == *b) {
+    ++a;
+    ++b;
+  }
+  return int(*a) - int(*b);
+}
+
+int compareIgnoringCase(const wchar_t* a, const wchar_t* b) { return _wcsicmp(a, b); }
+
+KrRxObject* deleteObject(KrRxObject* object) {
+  delete object;
+  return nullptr;
+}
+
+KrRxObject* keepObject(KrRxObject* object) { return object; }
+
+}  // namespace
+
+KrRxImpDictionary::KrRxImpDictionary(unsigned int length, bool deleteObjects, bool sorted, bool ignoreCase,
+                                     const KrRxClass* requiredClass)
+    : mpRequiredClass(requiredClass),
+      mLiveCount(0),
+      mSortState(sorted ? kPermanentlySorted : kUnindexed),
+      mCompare(ignoreCase ? compareIgnoringCase : compareCodeUnits),
+      mDispose(deleteObjects ? deleteObject : keepObject) {
+  mEntries.reserve(int32_t(std::min(length, unsigned(INT_MAX - 1))) + 1, kEntryLargeIncrement);
+  mEntries.append({nullptr, nullptr}, kEntryLargeIncrement);
+  if (sorted) mKeyIndex.append(0, kIdLargeIncrement);
+}
+
+KrRxImpDictionary::~KrRxImpDictionary() {
+  disposeEntries();
+  mEntries.release();
+  mKeyIndex.release();
+}
+
+bool KrRxImpDictionary::accepts(const KrRxObject* object) const {
+  return !mpRequiredClass || (object && object->isKindOf(mpRequiredClass));
+}
+
+bool KrRxImpDictionary::hasKeyIndex() const {
+  int32_t state = mSortState.load(std::memory_order_acquire);
+  return state != kUnindexed && state != kBuilding;
+}
+
+int32_t KrRxImpDictionary::lowerBound(const wchar_t* key) const {
+  int32_t low = 1;
+  int32_t high = mKeyIndex.count;
+  while (low < high) {
+    int32_t middle = low + (high - low) / 2;
+    if (mCompare(mEntries.data[mKeyIndex.data[middle]].key, key) < 0)
+      low = middle + 1;
+    else
+      high = middle;
+  }
+  return low;
+}
+
+void KrRxImpDictionary::indexInsert(unsigned int id) {
+  if (!hasKeyIndex()) return;
+  mKeyIndex.insertAt(lowerBound(mEntries.data[id].key), id, kIdLargeIncrement);
+}
+
+void KrRxImpDictionary::indexRemove(unsigned int id) {
+  if (!hasKeyIndex()) return;
+  int32_t position = lowerBound(mEntries.data[id].key);
+  if (position < mKeyIndex.count) mKeyIndex.removeAt(position);
+}
+
+unsigned int KrRxImpDictionary::idAt(const wchar_t* key) const {
+  if (!key) return 0;
+  if (!hasKeyIndex()) {
+    for (int32_t position = 0; position < mEntries.count; ++position) {
+      const wchar_t* stored = mEntries.data[position].key;
+      if (stored == key || (stored && mCompare(stored, key) == 0)) return unsigned(position);
+    }
+    return 0;
+  }
+  int32_t position = lowerBound(key);
+  if (position == mKeyIndex.count) return 0;
+  unsigned int id = mKeyIndex.data[position];
+  return mCompare(mEntries.data[id].key, key) == 0 ? id : 0;
+}
+
+KrRxObject* KrRxImpDictionary::at(unsigned int id) const {
+  return id < unsigned(mEntries.count) ? mEntries.data[id].object : nullptr;
+}
+
+KrRxObject* KrRxImpDictionary::at(const wchar_t* key) const { return mEntries.data[idAt(key)].object; }
+
+bool KrRxImpDictionary::has(unsigned int id) const {
+  return id < unsigned(mEntries.count) && mEntries.data[id].key;
+}
+
+bool KrRxImpDictionary::has(const wchar_t* key) const { return idAt(key) != 0; }
+
+const wchar_t* KrRxImpDictionary::keyAt(unsigned int id) const {
+  return id < unsigned(mEntries.count) ? mEntries.data[id].key : nullptr;
+}
+
+unsigned int KrRxImpDictionary::numEntries() const { return unsigned(mLiveCount); }
+
+// Only live entries can be replaced: a free or unknown id changes nothing.
+KrRxObject* KrRxImpDictionary::atPut(unsigned int id, KrRxObject* object) {
+  if (!accepts(object) || !has(id)) return nullptr;
+  Entry& entry = mEntries.data[id];
+  KrRxObject* previous = mDispose(entry.object);
+  entry.object = object;
+  return previous;
+}
+
+KrRxObject* KrRxImpDictionary::atPut(const wchar_t* key, KrRxObject* object, unsigned int& id) {
+  id = idAt(key);
+  if (id) return atPut(id, object);
+  if (!key || !accepts(object)) return nullptr;
+  wchar_t* copy = __krStrdup(key);
+  if (!mEntries.append({copy, copy ? object : nullptr}, kEntryLargeIncrement)) {
+    __krFree(copy);
+    return nullptr;
+  }
+  id = unsigned(mEntries.count - 1);
+  ++mLiveCount;
+  if (copy) indexInsert(id);
+  return nullptr;
+}
+
+bool KrRxImpDictionary::atKeyAndIdPut(const wchar_t* key, unsigned int id, KrRxObject* object) {
+  if (id == 0 || !key || !object || !accepts(object)) return false;
+  if (id < unsigned(mEntries.count)) {
+    if (mEntries.data[id].key || has(key)) return false;
+  } else {
+    if (has(key) || id >= unsigned(INT_MAX)) return false;
+    int32_t count = int32_t(id) + 1;
+    if (!mEntries.reserve(count, kEntryLargeIncrement)) return false;
+    memset(static_cast<void*>(mEntries.data + mEntries.count), 0, size_t(count - mEntries.count) * sizeof(Entry));
+    mEntries.count = count;
+  }
+  Entry& entry = mEntries.data[id];
+  entry.key = __krStrdup(key);
+  if (!entry.key) return false;
+  entry.object = object;
+  ++mLiveCount;
+  indexInsert(id);
+  return true;
+}
+
+KrRxObject* KrRxImpDictionary::remove(unsigned int id) {
+  if (!has(id)) return nullptr;
+  indexRemove(id);
+  Entry& entry = mEntries.data[id];
+  __krFree(entry.key);
+  entry.key = nullptr;
+  KrRxObject* removed = mDispose(entry.object);
+  entry.object = nullptr;
+  --mLiveCount;
+  return removed;
+}
+
+KrRxObject* KrRxImpDictionary::remove(const wchar_t* key) { return remove(idAt(key)); }
+
+bool KrRxImpDictionary::resetKey(unsigned int id, const wchar_t* newKey) {
+  if (!newKey || !has(id) || has(newKey)) return false;
+  indexRemove(id);
+  Entry& entry = mEntries.data[id];
+  __krFree(entry.key);
+  entry.key = __krStrdup(newKey);
+  if (!entry.key) return false;
+  indexInsert(id);
+  return true;
+}
+
+bool KrRxImpDictionary::resetKey(const wchar_t* oldKey, const wchar_t* newKey) {
+  return resetKey(idAt(oldKey), newKey);
+}
+
+KrRxDictionaryIterator* KrRxImpDictionary::newIterator(KrRx::DictIterType type) const {
+  return new KrRxImpDictionaryIterator(this, type);
+}
+
+bool KrRxImpDictionary::deletesObjects() const { return mDispose == deleteObject; }
+
+bool KrRxImpDictionary::isCaseSensitive() const { return mCompare == compareCodeUnits; }
+
+bool KrRxImpDictionary::isSorted() const { return sortState() == kPermanentlySorted; }
+
+// Last to first, so that objects go in the reverse order of their arrival.
+void KrRxImpDictionary::disposeEntries() {
+  for (int32_t position = mEntries.count - 1; position >= 0; --position) {
+    Entry& entry = mEntries.data[position];
+    __krFree(entry.key);
+    mDispose(entry.object);
+  }
+}
+
+void KrRxImpDictionary::resetToEmpty() {
+  mEntries.release();
+  mEntries.growStep = 8;
+  mEntries.append({nullptr, nullptr}, kEntryLargeIncrement);
+  mLiveCount = 0;
+  if (sortState() == kUnindexed) return;
+  mKeyIndex.release();
+  mKeyIndex.append(0, kIdLargeIncrement);
+}
+
+void KrRxImpDictionary::removeAll() {
+  disposeEntries();
+  resetToEmpty();
+}
+
+void KrRxImpDictionary::openKeyOrder() const {
+  for (;;) {
+    int32_t state = kUnindexed;
+    if (mSortState.compare_exchange_strong(state, kBuilding)) {
+      buildKeyIndex();
+      mSortState.fetch_add(1);
+      return;
+    }
+    if (state == kPermanentlySorted) return;
+    // Join the index only while it is still there: a closing iterator may
+    // be dropping it at this very moment.
+    if (state >= kIndexed && mSortState.compare_exchange_weak(state, state + 1)) return;
+    if (state == kBuilding) std::this_thread::yield();
+  }
+}
+
+void KrRxImpDictionary::closeKeyOrder() const {
+  if (sortState() == kPermanentlySorted) return;
+  if (mSortState.fetch_sub(1) - 1 != kBuilding) return;
+  mKeyIndex.release();
+  mKeyIndex.growStep = 8;
+  mSortState.store(kUnindexed);
+}
+
+void KrRxImpDictionary::buildKeyIndex() const {
+  mKeyIndex.release();
+  mKeyIndex.growStep = 8;
+  mKeyIndex.reserve(mLiveCount + 1, kIdLargeIncrement);
+  mKeyIndex.append(0, kIdLargeIncrement);
+  for (int32_t position = 1; position < mEntries.count; ++position)
+    if (mEntries.data[position].key) mKeyIndex.append(uint32_t(position), kIdLargeIncrement);
+  const Entry* entries = mEntries.data;
+  Compare compare = mCompare;
+  std::sort(mKeyIndex.data + 1, mKeyIndex.data + mKeyIndex.count,
+            [entries, compare](uint32_t a, uint32_t b) { return compare(entries[a].key, entries[b].key) < 0; });
+}

@@ -1,0 +1,40 @@
+#pragma once
+// Walks a KrRxImpDictionary in key order or in id order, skipping free
+// positions. A key-order iterator holds the dictionary's shared key index
+// for its whole life.
+
+#include <cstdint>
+
+#include "krrxdictionary.h"
+
+class KrRxImpDictionary;
+
+class KR1ST_API KrRxImpDictionaryIterator : public KrRxDictionaryIterator {
+  KRRX_DECLARE_MEMBERS(KrRxImpDictionaryIterator);
+
+ public:
+  // Positioned on the first entry (or done at once when there is none).
+  KrRxImpDictionaryIterator(const KrRxImpDictionary* dictionary, KrRx::DictIterType type);
+  KrRxImpDictionaryIterator(const KrRxImpDictionaryIterator&) = delete;
+  KrRxImpDictionaryIterator& operator=(const KrRxImpDictionaryIterator&) = delete;
+  ~KrRxImpDictionaryIterator() override;
+
+  bool done() const override;
+  // Moves to the next entry; false when the walk has ended. On an ended
+  // walk it starts over from the first entry.
+  bool next() override;
+  KrRxObject* object() const override;
+  const wchar_t* key() const override;
+  unsigned int id() const override;
+
+ private:
+  bool inKeyOrder() const { return mType == KrRx::kDictByKey; }
+  void advance();
+  // The id at a position: the position itself in id order, the key index
+  // element in key order (0 beyond the index). Position 0 gives id 0.
+  unsigned int idAtPosition() const;
+
+  const KrRxImpDictionary* mpDictionary;
+  KrRx::DictIterType mType;
+  uint32_t mPosition;  // 0 when the walk has ended
+};

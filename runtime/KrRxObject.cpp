@@ -1,0 +1,63 @@
+// The root object: run-time type tests, cloning and protocol lookup.
+
+#include "krrxobject.h"
+
+#include "krdiagnostics.h"
+#include "krrxclass.h"
+#include "krrxdictionary.h"
+#include "krrxsystem.h"
+#include "runtime/KrRxImpClass.h"
+
+KrRxObject::~KrRxObject() = default;
+
+KrRxClass* KrRxObject::desc() {
+  static KrRxClass* const descriptor = new KrRxClass(L"KrRxObject", nullptr, nullptr);
+  return descriptor;
+}
+
+KrRxClass* KrRxObject::isA() const { return desc(); }
+
+KrRxObject* KrRxObject::clone() const {
+  KrRxPseudoConstructor make = isA()->impObj()->mpPseudoConstructor;
+  KrRxObject* copy = make ? make() : nullptr;
+  if (!copy) return nullptr;
+  if (copy->copyFrom(this) == Kesu::eOk) return copy;
+  delete copy;
+  return nullptr;
+}
+
+Kesu::ErrorStatus KrRxObject::copyFrom(const KrRxObject*) {
+  krrx_abort(L"Unimplemented KrRxObject::copyFrom() function invoked.");
+}
+
+bool KrRxObject::isEqualTo(const KrRxObject* other) const { return other == this; }
+
+KrRx::Ordering KrRxObject::comparedTo(const KrRxObject*) const { return KrRx::kNotOrderable; }
+
+KrRxObject* KrRxObject::subQueryX(const KrRxClass* protocolClass) const {
+  if (!protocolClass) return nullptr;
+  int32_t index = protocolClass->impObj()->mProtocolIndex;
+  const KrRxProtocolTable* table = isA()->impObj()->mpPeTable;
+  if (!table) return nullptr;
+  return static_cast<uint32_t>(index) < static_cast<uint32_t>(table->entries.count) ? table->entries.data[index]
+                                                                                      : nullptr;
+}
+
+bool KrRxObject::isKindOf(const KrRxClass* cls) const {
+  if (!this) return false;
+  for (const KrRxClass* walk = isA(); walk; walk = walk->impObj()->mpParent)
+    if (walk == cls) return true;
+  return false;
+}
+
+KrRxObject* KrRxObject::x(const KrRxClass* protocolClass) const {
+  KrRxObject* object = subQueryX(protocolClass);
+  if (!object) krrx_abort(L"KrRxClass::getX() failed!!");
+  return object;
+}
+
+KrRxObject* KrRxObject::queryX(const KrRxClass* protocolClass) const { return subQueryX(protocolClass); }
+
+KrRxClass* krrxFindKrRxClass(const wchar_t* name) {
+  return sysClasses ? static_cast<KrRxClass*>(sysClasses->at(name)) : nullptr;
+}

@@ -1,0 +1,74 @@
+// Services: owning module, dependency counting, and the service free functions.
+
+#include "krrxservice.h"
+
+#include <cstdint>
+#include <stdexcept>
+
+#include "krrxdictionary.h"
+#include "krrxdynamiclinker.h"
+#include "krrxgenhand.h"
+#include "krrxsystem.h"
+#include "runtime/KrRxCoreClass.h"
+
+// The private record of a service.
+struct KrRxServiceData {
+  KrRxObject* sysInfo;
+  KrRxAppEntryPoint dependencyFunction;
+  uint32_t dependencyCount;
+};
+static_assert(sizeof(KrRxServiceData) == 3 * sizeof(void*), "a service record is three words");
+static_assert(sizeof(KrRxService) == 2 * sizeof(void*), "a service holds only its record pointer");
+
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxService, KrRxObject)
+
+KrRxService::KrRxService() : mpData(new KrRxServiceData{KrRxGenHand::curModule(), nullptr, 0}) {}
+
+KrRxService::~KrRxService() {
+  mpData->sysInfo = nullptr;
+  delete mpData;
+}
+
+KrRxObject* KrRxService::getSysInfo() const { return mpData->sysInfo; }
+void KrRxService::setSysInfo(KrRxObject* sysInfo) { mpData->sysInfo = sysInfo; }
+
+void KrRxService::addDependency() {
+  if (mpData->dependencyCount == UINT32_MAX) throw std::overflow_error("KrRxService dependency counter overflowed");
+  if (mpData->dependencyCount == 0)
+    if (KrRxGenHand* module = KrRxGenHand::cast(mpData->sysInfo)) module->sendAppMessage(KrRx::kDependencyMsg, this);
+  ++mpData->dependencyCount;
+}
+
+void KrRxService::removeDependency() {
+  if (mpData->dependencyCount == 0) throw std::underflow_error("KrRxService dependency counter underflowed");
+  if (--mpData->dependencyCount == 0)
+    if (KrRxGenHand* module = KrRxGenHand::cast(mpData->sysInfo))
+      module->sendAppMessage(KrRx::kNoDependencyMsg, this);
+}
+
+bool KrRxService::unloadable() const { return mpData->dependencyCount == 0; }
+KrRxAppEntryPoint KrRxService::dependencyFunctionPtr() const { return mpData->dependencyFunction; }
+void KrRxService::setDependencyFunctionPtr(KrRxAppEntryPoint fn) { mpData->dependencyFunction = fn; }
+
+namespace {
+
+KrRxDynamicLinker* dynamicLinker() {
+  return sysRegistry ? static_cast<KrRxDynamicLinker*>(sysRegistry->at(L"DynamicLinker")) : nullptr;
+}
+
+}  // namespace
+
+KrRxObject* krrxRegisterService(const wchar_t* name) {
+  KrRxDynamicLinker* linker = dynamicLinker();
+  return linker ? linker->registerService(name, new KrRxService()) : nullptr;
+}
+
+bool krrxServiceIsRegistered(const wchar_t* name) {
+  auto* services = sysRegistry ? static_cast<KrRxDictionary*>(sysRegistry->at(L"ServiceDictionary")) : nullptr;
+  return services && services->at(name);
+}
+
+void* krrxGetServiceSymbolAddr(wchar_t* serviceName, char* symbolName) {
+  KrRxDynamicLinker* linker = dynamicLinker();
+  return linker ? linker->getSymbolAddress(serviceName, symbolName) : nullptr;
+}

@@ -1,0 +1,205 @@
+// Start-up and shutdown of the runtime, run from the library's load and
+// unload notifications.
+
+#include "krrxsystem.h"
+
+#include "extensions/KrRxProtocolReactorManagerFactory.h"
+#include "krrxclass.h"
+#include "krrxcopyonwrite.h"
+#include "krrxdictionary.h"
+#include "krrxgenhand.h"
+#include "krrxiterator.h"
+#include "krrxlinkedlist.h"
+#include "krrxset.h"
+#include "modules/KrRxImpDynamicLinker.h"
+#include "reflection/KrRfReflectionService.h"
+#include "runtime/KrRxCoreClass.h"
+#include "runtime/KrRxImpClass.h"
+#include "runtime/KrRxImpDictionary.h"
+#include "runtime/KrRxImpDictionaryIterator.h"
+#include "runtime/KrRxImpSet.h"
+#include "system/KrRxImpKernel.h"
+
+KrRxDictionary* sysRegistry = nullptr;
+KrRxDictionary* sysClasses = nullptr;
+KrRxKernel* sysKernel = nullptr;
+
+namespace {
+
+KrRxImpKernel* sKernel = nullptr;
+KrRxImpDynamicLinker* sDynamicLinker = nullptr;
+KrRxDictionary* sServiceDictionary = nullptr;
+KrRxImpProtocolReactorManagerFactory* sReactorManagerFactory = nullptr;
+KrRfImpReflectionService* sReflectionService = nullptr;
+
+// The library's descriptors in creation order; shutdown deletes them in the same order.
+KrRxGrowArray<KrRxClass*> sLibraryClasses;
+
+// One class of the library: either a C++ class with its own rxInit, or a
+// class known so far by name and parent only.
+struct LibraryClass {
+  void (*rxInit)();
+  KrRxClass* (*desc)();
+  const wchar_t* name;
+  const wchar_t* parentName;
+};
+
+#define KR_CLASS(CLASS) {&CLASS::rxInit, &CLASS::desc, nullptr, nullptr}
+#define KR_NAMED(NAME, PARENT) {nullptr, nullptr, L## #NAME, L## #PARENT}
+
+const LibraryClass kLibraryClasses[] = {
+    KR_CLASS(KrRxClass),
+    KR_CLASS(KrRxCopyOnWriteObject),
+    KR_CLASS(KrRxService),
+    KR_CLASS(KrRxKernel),
+    KR_CLASS(KrRxImpKernel),
+    KR_NAMED(KrRxTextString, KrRxObject),
+    KR_CLASS(KrRxSet),
+    KR_CLASS(KrRxImpSet),
+    KR_CLASS(KrRxGenTypedSet),
+    KR_CLASS(KrRxGenLinkedList),
+    KR_CLASS(KrRxDictionary),
+    KR_CLASS(KrRxImpDictionary),
+    KR_NAMED(KrRxGenTableEntry, KrRxObject),
+    KR_CLASS(KrRxIterator),
+    KR_CLASS(KrRxDictionaryIterator),
+    KR_CLASS(KrRxImpDictionaryIterator),
+    KR_CLASS(KrRxGenLinkedListIterator),
+    KR_CLASS(KrRxDLinkerReactor),
+    KR_CLASS(KrRxDLinkerReactor2),
+    KR_CLASS(KrRxDynamicLinker),
+    KR_CLASS(KrRxImpDynamicLinker),
+    KR_NAMED(KrRxEvent, KrRxObject),
+    KR_NAMED(KrRxEventReactor, KrRxObject),
+    KR_CLASS(KrRxGenVoid),
+    KR_CLASS(KrRxGenHand),
+    KR_NAMED(KrRxOverruleBase, KrRxObject),
+    KR_NAMED(KrRxOverrule, KrRxOverruleBase),
+    KR_NAMED(KrRxQueryXOverrule, KrRxOverrule),
+    KR_NAMED(KrRxOverruleInternals, KrRxObject),
+    KR_NAMED(KesuAppInfo, KrRxObject),
+    KR_NAMED(KesuAppRegistry, KrRxObject),
+    KR_NAMED(KrRxClassDetailsPE, KrRxObject),
+    KR_NAMED(KrRxObjectDetailsPE, KrRxObject),
+    KR_NAMED(KrRxObjectSummaryPE, KrRxObject),
+    KR_NAMED(KrRxObjectCategoryPE, KrRxObject),
+    KR_CLASS(KrRfReflectionService),
+    KR_CLASS(KrRfImpReflectionService),
+    KR_NAMED(KrRfReflectionPE, KrRxObject),
+    KR_NAMED(KrRfImpReflectionPE, KrRfReflectionPE),
+    KR_NAMED(KrRfReflectionReactor, KrRxObject),
+    KR_NAMED(KrRfReflectionProviderPR, KrRxObject),
+    KR_NAMED(KrRfSymbolIterator, KrRxIterator),
+    KR_NAMED(KrRfImpSymbolIterator, KrRfSymbolIterator),
+    KR_NAMED(KrRfSymbol, KrRxObject),
+    KR_NAMED(KrRfProperty, KrRfSymbol),
+    KR_NAMED(KrRxSymbolFilterPR, KrRxObject),
+    KR_NAMED(KrRfPropertyEnumPE, KrRxObject),
+    KR_NAMED(KrRfPropertyRangePE, KrRxObject),
+    KR_NAMED(KrRfPropertyDerivationPE, KrRxObject),
+    KR_NAMED(KrRfArrayPropertyDetailsPE, KrRxObject),
+    KR_NAMED(KrRfArrayPropertyDerivationPE, KrRxObject),
+    KR_NAMED(KrRfProxyInterfacePE, KrRxObject),
+    KR_NAMED(KrRfValue, KrRxObject),
+    KR_NAMED(KrRfNumber, KrRfValue),
+    KR_NAMED(KrRfValuePointer, KrRfPointer),
+    KR_NAMED(KrRfProxy, KrRxObject),
+    KR_NAMED(KrRfReference, KrRfProxy),
+    KR_NAMED(KrRfPointer, KrRfProxy),
+    KR_NAMED(KrRxObjectPointer, KrRfPointer),
+    KR_NAMED(KrRxClassPointer, KrRxObjectPointer),
+    KR_NAMED(KrRfArray, KrRxObject),
+    KR_NAMED(KrRfRangeCheckPE, KrRxObject),
+    KR_NAMED(KrRxFormatContext, KrRxObject),
+    KR_NAMED(KrRxNumberFormat, KrRxObject),
+    KR_NAMED(KrRxNumberFormat2, KrRxNumberFormat),
+    KR_NAMED(KrRxFormattablePE, KrRxObject),
+    KR_NAMED(KrRxProtocolReactor, KrRxObject),
+    KR_NAMED(KrRxProtocolReactorIterator, KrRxIterator),
+    KR_NAMED(KrRxImpProtocolReactorIterator, KrRxProtocolReactorIterator),
+    KR_NAMED(KrRxProtocolReactorList, KrRxObject),
+    KR_NAMED(KrRxImpProtocolReactorList, KrRxProtocolReactorList),
+    KR_NAMED(KrRxProtocolReactorListIterator, KrRxIterator),
+    KR_NAMED(KrRxImpProtocolReactorListIterator, KrRxProtocolReactorListIterator),
+    KR_NAMED(KrRxProtocolReactorManager, KrRxObject),
+    KR_NAMED(KrRxImpProtocolReactorManager, KrRxProtocolReactorManager),
+    KR_CLASS(KrRxProtocolReactorManagerFactory),
+    KR_CLASS(KrRxImpProtocolReactorManagerFactory),
+};
+
+#undef KR_CLASS
+#undef KR_NAMED
+
+KrRxClass* initLibraryClass(const LibraryClass& entry) {
+  if (!entry.rxInit) return krrxInitCoreClass(nullptr, entry.name, entry.parentName, nullptr);
+  entry.rxInit();
+  return entry.desc();
+}
+
+void initLibraryClasses() {
+  sLibraryClasses.append(KrRxObject::desc());
+  for (const LibraryClass& entry : kLibraryClasses) sLibraryClasses.append(initLibraryClass(entry));
+  // Linked at once: the service dictionary's class test below needs the tree.
+  KrRxImpClass::connectNewClasses(sysClasses);
+}
+
+void deleteLibraryClasses() {
+  delete KrRxObject::desc()->delX(krrxFindKrRxClass(L"KrRxObjectSummaryPE"));
+  for (int32_t i = 0; i < sLibraryClasses.count; ++i) KrRxImpClass::deleteClass(sLibraryClasses.data[i]);
+  KrRxImpClass::clearDeletedClassesArray();
+  sLibraryClasses.release();
+}
+
+// Reads every entry once in id order, changing nothing.
+void walkClassDictionary() {
+  KrRxDictionaryIterator* it = sysClasses->newIterator(KrRx::kDictById);
+  while (!it->done()) it->next();
+  delete it;
+}
+
+template <typename T>
+void removeAndDelete(KrRxDictionary* dictionary, const wchar_t* key, T*& object) {
+  dictionary->remove(key);
+  delete object;
+  object = nullptr;
+}
+
+}  // namespace
+
+void krrxInitSystem() {
+  sKernel = new KrRxImpKernel();
+  sysKernel = sKernel;
+  sysRegistry = sKernel->newKrRxDictionary(16, false, false, false);
+  sysClasses = sKernel->newKrRxDictionary(256, false, true, false);
+  sysRegistry->atPut(L"ClassDictionary", sysClasses);
+  initLibraryClasses();
+  sDynamicLinker = new KrRxImpDynamicLinker();
+  sysRegistry->atPut(L"DynamicLinker", sDynamicLinker);
+  sServiceDictionary = sKernel->newKrRxDictionary(KrRxService::desc());
+  sysRegistry->atPut(L"ServiceDictionary", sServiceDictionary);
+  sDynamicLinker->registerService(L"KernelServices", sKernel);
+  sReactorManagerFactory = new KrRxImpProtocolReactorManagerFactory();
+  sDynamicLinker->registerService(L"ProtocolReactorManager", sReactorManagerFactory);
+  sReflectionService = new KrRfImpReflectionService();
+  sDynamicLinker->registerService(L"ReflectionServices", sReflectionService);
+}
+
+void krrxKillSystem() {
+  KrRxGenHand::setCurModule(nullptr);
+  KrRxGenHand::mCurMsgCode = KrRx::kNullMsg;
+  removeAndDelete(sServiceDictionary, L"ReflectionServices", sReflectionService);
+  removeAndDelete(sServiceDictionary, L"ProtocolReactorManager", sReactorManagerFactory);
+  removeAndDelete(sServiceDictionary, L"KernelServices", sKernel);
+  sysKernel = nullptr;
+  removeAndDelete(sysRegistry, L"ServiceDictionary", sServiceDictionary);
+  removeAndDelete(sysRegistry, L"DynamicLinker", sDynamicLinker);
+  deleteLibraryClasses();
+  walkClassDictionary();
+  removeAndDelete(sysRegistry, L"ClassDictionary", sysClasses);
+  delete sysRegistry;
+  sysRegistry = nullptr;
+  KrRxImpClass::releaseGlobalTables();
+}
+
+KrRxDictionary* krrxSysRegistry() { return sysRegistry; }
+const KrRxDictionary* krrxSysClasses() { return sysClasses; }

@@ -1,0 +1,24 @@
+#pragma once
+// Test support for the runtime's fatal reports. kr1st20.dll reports a broken
+// invariant with MessageBoxW and then ends the process with TerminateProcess;
+// these helpers redirect the library's own imports of both functions so
+// that a test can read the report.
+
+#include <functional>
+#include <string>
+
+// The text of the fatal report that body triggered, or "" when body
+// returned normally. While body runs, a report unwinds back here instead of
+// ending the process (the message box shows nothing).
+std::wstring krAbortMessageOf(const std::function<void()>& body);
+
+// The text and caption of the message box that body showed (the box is
+// answered with Ignore), or "" when none.
+std::wstring krMessageBoxOf(const std::function<void()>& body, std::wstring* caption = nullptr);
+
+// For death tests: from now on every message box of the library is echoed to
+// stderr as UTF-8 and the process still ends as the library decides.
+void krEchoMessageBoxesToStderr();
+
+// Narrows a wide text to UTF-8 for test messages and matchers.
+std::string krUtf8(const std::wstring& text);

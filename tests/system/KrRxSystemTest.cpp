@@ -1,0 +1,107 @@
+// The running system right after load: registry, class dictionary, services.
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "kr1st.h"
+
+namespace {
+
+std::set<std::wstring> keysOf(const KrRxDictionary* dictionary) {
+  std::set<std::wstring> keys;
+  KrRxDictionaryIterator* it = dictionary->newIterator(KrRx::kDictById);
+  for (; !it->done(); it->next()) keys.insert(it->key());
+  delete it;
+  return keys;
+}
+
+KrRxDictionary* serviceDictionary() { return static_cast<KrRxDictionary*>(krrxSysRegistry()->at(L"ServiceDictionary")); }
+
+}  // namespace
+
+TEST(KrRxSystemTest, RegistryAndServicesHoldExactlyTheBuiltIns) {
+  ASSERT_NE(krrxSysRegistry(), nullptr);
+  EXPECT_EQ(krrxSysRegistry(), sysRegistry);
+  EXPECT_EQ(keysOf(krrxSysRegistry()), (std::set<std::wstring>{L"ClassDictionary", L"DynamicLinker", L"ServiceDictionary"}));
+  EXPECT_EQ(krrxSysRegistry()->at(L"ClassDictionary"), sysClasses);
+  EXPECT_FALSE(krrxSysRegistry()->isSorted());
+  EXPECT_FALSE(krrxSysRegistry()->deletesObjects());
+  EXPECT_TRUE(krrxSysRegistry()->isCaseSensitive());
+  EXPECT_TRUE(KrRxDynamicLinker::cast(krrxSysRegistry()->at(L"DynamicLinker")));
+
+  EXPECT_EQ(keysOf(serviceDictionary()),
+            (std::set<std::wstring>{L"KernelServices", L"ProtocolReactorManager", L"ReflectionServices"}));
+  EXPECT_EQ(serviceDictionary()->at(L"KernelServices"), sysKernel);
+  EXPECT_TRUE(krrxServiceIsRegistered(L"KernelServices"));
+  EXPECT_FALSE(krrxServiceIsRegistered(L"NoSuchService"));
+  EXPECT_EQ(KrRxService::cast(serviceDictionary()->at(L"ReflectionServices"))->getSysInfo(), nullptr);
+}
+
+TEST(KrRxSystemTest, ClassDictionaryIsSortedAndEveryClassIsLinked) {
+  const KrRxDictionary* classes = krrxSysClasses();
+  ASSERT_NE(classes, nullptr);
+  EXPECT_TRUE(classes->isSorted());
+  EXPECT_FALSE(classes->deletesObjects());
+  std::wstring previous;
+  unsigned int count = 0;
+  KrRxDictionaryIterator* it = classes->newIterator(KrRx::kDictByKey);
+  for (; !it->done(); it->next(), ++count) {
+    std::wstring name = it->key();
+    EXPECT_LT(previous, name) << "key order is code-unit order";
+    previous = name;
+    auto* cls = static_cast<KrRxClass*>(it->object());
+    EXPECT_EQ(name, cls->name());
+    EXPECT_TRUE(cls == KrRxObject::desc() || cls->myParent() != nullptr) << "unlinked: " << testing::PrintToString(name);
+  }
+  delete it;
+  EXPECT_EQ(count, classes->numEntries());
+  EXPECT_GE(count, 77u);
+}
+
+TEST(KrRxSystemTest, BuiltInClassesHaveTheirParents) {
+  auto parentOf = [](const wchar_t* name) -> std::wstring {
+    KrRxClass* cls = krrxFindKrRxClass(name);
+    return cls && cls->myParent() ? cls->myParent()->name() : L"(none)";
+  };
+  EXPECT_EQ(parentOf(L"KrRxObject"), L"(none)");
+  EXPECT_EQ(parentOf(L"KrRxImpKernel"), L"KrRxKernel");
+  EXPECT_EQ(parentOf(L"KrRxKernel"), L"KrRxService");
+  EXPECT_EQ(parentOf(L"KrRxGenTypedSet"), L"KrRxImpSet");
+  EXPECT_EQ(parentOf(L"KrRxGenHand"), L"KrRxGenVoid");
+  EXPECT_EQ(parentOf(L"KrRxQueryXOverrule"), L"KrRxOverrule");
+  EXPECT_EQ(parentOf(L"KrRfValuePointer"), L"KrRfPointer");
+  EXPECT_EQ(parentOf(L"KrRxClassPointer"), L"KrRxObjectPointer");
+  EXPECT_EQ(parentOf(L"KrRxImpProtocolReactorManagerFactory"), L"KrRxProtocolReactorManagerFactory");
+  EXPECT_EQ(parentOf(L"KrRfImpReflectionService"), L"KrRfReflectionService");
+  EXPECT_EQ(KrRxClass::desc()->isA(), KrRxClass::desc()) << "a descriptor is a KrRxClass";
+}
+
+TEST(KrRxSystemTest, KernelMakesDictionariesAndSetsAsAsked) {
+  KrRxDictionary* typed = sysKernel->newKrRxDictionary(KrRxService::desc());
+  EXPECT_FALSE(typed->isSorted() || typed->deletesObjects() || !typed->isCaseSensitive());
+  KrRxGenVoid notAService;
+  EXPECT_EQ(typed->atPut(L"x", &notAService), nullptr);
+  EXPECT_FALSE(typed->has(L"x")) << "the required class is enforced";
+  delete typed;
+
+  KrRxDictionary* flags = sysKernel->newKrRxDictionary(4, true, true, true);
+  EXPECT_TRUE(flags->isSorted() && flags->deletesObjects() && !flags->isCaseSensitive());
+  delete flags;
+  KrRxDictionary* plain = sysKernel->newKrRxDictionary(true, false);
+  EXPECT_TRUE(plain->isSorted() && !plain->deletesObjects() && plain->isCaseSensitive());
+  delete plain;
+
+  KrRxSet* owning = sysKernel->newKrRxSet(true);
+  EXPECT_TRUE(owning->deletesObjects());
+  delete owning;
+  KrRxSet* typedSet = sysKernel->newKrRxSet(false, KrRxService::desc());
+  EXPECT_FALSE(typedSet->add(&notAService));
+  EXPECT_EQ(typedSet->isA()->name(), std::wstring(L"KrRxGenTypedSet"));
+  delete typedSet;
+  KrRxSet* set = sysKernel->newKrRxSet();
+  EXPECT_FALSE(set->deletesObjects());
+  EXPECT_EQ(set->isA()->name(), std::wstring(L"KrRxImpSet"));
+  delete set;
+}
