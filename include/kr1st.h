@@ -19,3 +19,6 @@
 #include "krrxservice.h"
 #include "krrxset.h"
 #include "krrxsystem.h"
+#include "krrxtextstring.h"
+#include "krstring.h"
+#include "kruniquestring.h"

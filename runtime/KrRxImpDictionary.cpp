@@ -23,6 +23,7 @@ struct KrRxImpDictionaryLayout {
   static_assert(offsetof(KrRxImpDictionary, mSortState) == 68, "sortState");
   static_assert(offsetof(KrRxImpDictionary, mCompare) == 72, "compare");
   static_assert(offsetof(KrRxImpDictionary, mDispose) == 80, "dispose");
+  static_assert(sizeof(KrRxImpDictionary) == 88, "no further fields");
   static_assert(sizeof(KrRxImpDictionary::Entry) == 16, "an entry is a key and an object");
   static_assert(sizeof(std::atomic<int32_t>) == 4, "sortState is 32-bit");
 };
@@ -40,7 +41,19 @@ int compareCodeUnits(const wchar_t* a, const wchar_t* b) {
   return int(*a) - int(*b);
 }
 
-int compareIgnoringCase(const wchar_t* a, const wchar_t* b) { return _wcsicmp(a, b); }
+// Folds ASCII letters itself and leaves any other unit to the C runtime,
+// which lowercases in the current locale.
+int compareIgnoringCase(const wchar_t* a, const wchar_t* b) {
+  for (;; ++a, ++b) {
+    wchar_t x = *a;
+    wchar_t y = *b;
+    if (x >= 0x80 || y >= 0x80) return _wcsicmp(a, b);
+    if (x >= L'A' && x <= L'Z') x += L'a' - L'A';
+    if (y >= L'A' && y <= L'Z') y += L'a' - L'A';
+    if (x != y) return int(x) - int(y);
+    if (!x) return 0;
+  }
+}
 
 KrRxObject* deleteObject(KrRxObject* object) {
   delete object;

@@ -13,15 +13,21 @@ using ::testing::HasSubstr;
 
 namespace {
 
-// A protocol class and an extension object of it.
+// A protocol class.
 class Greeter : public KrRxObject {
   KRRX_DECLARE_MEMBERS(Greeter);
-
- public:
-  explicit Greeter(int id = 0) : mId(id) {}
-  int mId;
 };
 KRRX_CONS_DEFINE_MEMBERS(Greeter, KrRxObject)
+
+// An extension object of whatever protocol class it is made for.
+class Extension : public KrRxObject {
+ public:
+  explicit Extension(KrRxClass* protocolClass) : mpClass(protocolClass) {}
+  KrRxClass* isA() const override { return mpClass; }
+
+ private:
+  KrRxClass* mpClass;
+};
 
 // A copyable class: clone works through its pseudo-constructor and copyFrom.
 class Point : public KrRxObject {
@@ -138,7 +144,7 @@ TEST(KrRxClassTest, ProtocolTablesAreSharedUntilAnOwnAttachment) {
   EXPECT_EQ(tableOf(b), tableOf(a));
   EXPECT_EQ(tableOf(c), tableOf(a));
 
-  Greeter o(1), o2(2);
+  Extension o(protocol), o2(protocol);
   EXPECT_EQ(a->addX(protocol, &o), nullptr);
   int slot = protocol->impObj()->mProtocolIndex;
   EXPECT_GT(slot, 0) << "slot 0 is never given";
@@ -154,7 +160,7 @@ TEST(KrRxClassTest, ProtocolTablesAreSharedUntilAnOwnAttachment) {
   EXPECT_EQ(b->queryX(protocol), &o2);
   EXPECT_EQ(c->queryX(protocol), &o2);
 
-  Greeter o3(3);
+  Extension o3(protocol);
   EXPECT_EQ(a->addX(protocol, &o3), &o) << "replacing returns the previous object";
   EXPECT_EQ(c->queryX(protocol), &o2) << "an own attachment below stops the descent";
 
@@ -171,7 +177,7 @@ TEST(KrRxClassTest, ObjectsFindProtocolObjectsThroughTheirClass) {
   Point point;
   EXPECT_EQ(point.queryX(protocol), nullptr) << "never used as a protocol: null, no report";
   EXPECT_EQ(point.queryX(nullptr), nullptr);
-  Greeter extension;
+  Extension extension(protocol);
   KrRxObject::desc()->addX(protocol, &extension);
   EXPECT_EQ(point.queryX(protocol), &extension) << "inherited from the root";
   EXPECT_EQ(point.x(protocol), &extension);
@@ -191,7 +197,7 @@ TEST(KrRxClassTest, DetachingFromAClassWithoutSlotGivesNoSlot) {
 
 TEST(KrRxClassTest, SlotsOfDeletedProtocolClassesAreReused) {
   KrRxClass* doomed = makeClass(unique(L"Doomed"), L"Greeter");
-  Greeter extension;
+  Extension extension(doomed);
   KrRxClass* host = makeClass(unique(L"Host"));
   host->addX(doomed, &extension);
   host->delX(doomed);
@@ -201,7 +207,8 @@ TEST(KrRxClassTest, SlotsOfDeletedProtocolClassesAreReused) {
   EXPECT_EQ(KrRxImpClass::protocolClasses.data[slot], nullptr);
 
   KrRxClass* successor = makeClass(unique(L"Successor"), L"Greeter");
-  host->addX(successor, &extension);
+  Extension successorExtension(successor);
+  host->addX(successor, &successorExtension);
   EXPECT_EQ(successor->impObj()->mProtocolIndex, slot);
   host->delX(successor);
 }
@@ -211,9 +218,9 @@ TEST(KrRxClassTest, ReplacementKeepsTheSubtreeAndItsExtensions) {
   KrRxClass* original = makeClass(name);
   KrRxClass* child = makeClass(unique(L"Kept"), name.c_str());
   KrRxClass* protocol = makeClass(unique(L"KeptProtocol"), L"Greeter");
-  Greeter onOriginal(1), onChild(2);
-  original->addX(protocol, &onOriginal);
   KrRxClass* otherProtocol = makeClass(unique(L"ChildProtocol"), L"Greeter");
+  Extension onOriginal(protocol), onChild(otherProtocol);
+  original->addX(protocol, &onOriginal);
   child->addX(otherProtocol, &onChild);
 
   KrRxClass* replacement = makeClass(name);
@@ -263,7 +270,7 @@ TEST(KrRxClassTest, CloneCopiesThroughThePseudoConstructor) {
 TEST(KrRxClassTest, ProtocolMisuseIsReportedVerbatim) {
   KrRxClass* protocol = makeClass(unique(L"Strict"), L"Greeter");
   KrRxClass* nullClass = nullptr;
-  Greeter greeter;
+  Extension greeter(protocol);
   Point wrongKind;
   EXPECT_EQ(krAbortMessageOf([&] { nullClass->addX(protocol, &greeter); }),
             L"KrRxClass::addX() called on a nullptr instance.\n");

@@ -92,8 +92,6 @@ TEST_P(KrRxDictionaryTest, LooksUpByKeyAndById) {
   EXPECT_EQ(dictionary.idAt(L"delta"), 0u);
   EXPECT_EQ(dictionary.at(L"delta"), nullptr);
   EXPECT_FALSE(dictionary.has(L"Beta"));
-  EXPECT_TRUE(dictionary.isCaseSensitive());
-  EXPECT_FALSE(dictionary.deletesObjects());
 }
 
 TEST_P(KrRxDictionaryTest, BadKeysAndIdsGiveNullFalseOrZero) {
@@ -191,6 +189,14 @@ TEST_P(KrRxDictionaryTest, IgnoringCaseKeepsTheFirstForm) {
   EXPECT_EQ(walk(dictionary, KrRx::kDictByKey), (Keys{L"ABB", L"Abc", L"abd"}));
   EXPECT_FALSE(dictionary.resetKey(L"abd", L"aBB"));
   EXPECT_EQ(dictionary.remove(L"ABD"), &c);
+
+  // The order agrees with the C runtime's, punctuation and non-ASCII included.
+  KrRxImpDictionary mixed(0, false, sorted(), true);
+  Keys keys{L"b_", L"B[", L"ba", L"BZ", L"b\u00e4", L"B\u00c4x", L"b", L"B\u0101"};
+  for (const std::wstring& key : keys) mixed.atPut(key.c_str(), &a);
+  std::sort(keys.begin(), keys.end(),
+            [](const std::wstring& x, const std::wstring& y) { return _wcsicmp(x.c_str(), y.c_str()) < 0; });
+  EXPECT_EQ(walk(mixed, KrRx::kDictByKey), keys);
 }
 
 TEST_P(KrRxDictionaryTest, IteratesInKeyOrderAndInIdOrderSkippingRemovedEntries) {
@@ -202,14 +208,6 @@ TEST_P(KrRxDictionaryTest, IteratesInKeyOrderAndInIdOrderSkippingRemovedEntries)
 
   EXPECT_EQ(walk(dictionary, KrRx::kDictByKey), (Keys{L"Zucchini", L"apple", L"banana", L"pear"}));
   EXPECT_EQ(walk(dictionary, KrRx::kDictById), (Keys{L"pear", L"apple", L"Zucchini", L"banana"}));
-
-  IteratorPtr it(dictionary.newIterator(KrRx::kDictById));
-  for (int i = 0; i < 3; ++i) EXPECT_TRUE(it->next());
-  EXPECT_FALSE(it->next());
-  EXPECT_TRUE(it->done());
-  EXPECT_EQ(it->id(), 0u);
-  EXPECT_EQ(it->key(), nullptr);
-  EXPECT_EQ(it->object(), nullptr);
 }
 
 TEST_P(KrRxDictionaryTest, EmptyWalksAreDoneAtOnce) {
@@ -258,7 +256,9 @@ TEST_P(KrRxDictionaryTest, ManyEntriesStayFindable) {
   EXPECT_EQ(dictionary.numEntries(), unsigned(kCount / 2));
   for (int i = 0; i < kCount; i += 997) {
     EXPECT_EQ(dictionary.has(keys[i].c_str()), i % 2 == 1) << i;
-    if (i % 2) EXPECT_EQ(dictionary.idAt(keys[i].c_str()), unsigned(i + 1)) << i;
+    if (i % 2) {
+      EXPECT_EQ(dictionary.idAt(keys[i].c_str()), unsigned(i + 1)) << i;
+    }
   }
   Keys ordered = walk(dictionary, KrRx::kDictByKey);
   EXPECT_EQ(ordered.size(), size_t(kCount / 2));

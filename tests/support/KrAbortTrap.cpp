@@ -35,7 +35,8 @@ void* patchImport(HMODULE module, const char* dllName, const char* functionName,
 
 HMODULE runtimeModule() { return GetModuleHandleW(L"kr1st20.dll"); }
 
-struct TrappedAbort {};
+// The exit code of a worker thread that the library tried to end the process from.
+constexpr DWORD kTrappedAbort = 0xAB0127;
 
 std::wstring sText, sCaption;
 bool sEcho = false;
@@ -50,7 +51,12 @@ int WINAPI recordMessageBox(HWND, LPCWSTR text, LPCWSTR caption, UINT) {
   return IDIGNORE;
 }
 
-BOOL WINAPI trapTermination(HANDLE, UINT) { throw TrappedAbort(); }
+BOOL WINAPI trapTermination(HANDLE, UINT) { ExitThread(kTrappedAbort); }
+
+DWORD WINAPI runBody(void* body) {
+  (*static_cast<const std::function<void()>*>(body))();
+  return 0;
+}
 
 // Installs replacements for the library's imports and puts the originals back.
 class ImportPatch {
@@ -71,12 +77,14 @@ std::wstring krAbortMessageOf(const std::function<void()>& body) {
   sText.clear();
   ImportPatch box("USER32.dll", "MessageBoxW", reinterpret_cast<void*>(recordMessageBox));
   ImportPatch end("KERNEL32.dll", "TerminateProcess", reinterpret_cast<void*>(trapTermination));
-  try {
-    body();
-  } catch (const TrappedAbort&) {
-    return sText.empty() ? L"(terminated without a message)" : sText;
-  }
-  return L"";
+  // The body runs on a thread of its own, which the trapped termination ends.
+  HANDLE worker = CreateThread(nullptr, 0, runBody, const_cast<std::function<void()>*>(&body), 0, nullptr);
+  WaitForSingleObject(worker, INFINITE);
+  DWORD exitCode = 0;
+  GetExitCodeThread(worker, &exitCode);
+  CloseHandle(worker);
+  if (exitCode != kTrappedAbort) return L"";
+  return sText.empty() ? L"(terminated without a message)" : sText;
 }
 
 std::wstring krMessageBoxOf(const std::function<void()>& body, std::wstring* caption) {

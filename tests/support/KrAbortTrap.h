@@ -8,8 +8,9 @@
 #include <string>
 
 // The text of the fatal report that body triggered, or "" when body
-// returned normally. While body runs, a report unwinds back here instead of
-// ending the process (the message box shows nothing).
+// returned normally. Body runs on a thread of its own; a report ends that
+// thread instead of the process (the message box shows nothing). Objects on
+// the ended thread's stack are not destroyed.
 std::wstring krAbortMessageOf(const std::function<void()>& body);
 
 // The text and caption of the message box that body showed (the box is
