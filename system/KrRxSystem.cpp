@@ -11,6 +11,7 @@
 #include "krrxiterator.h"
 #include "krrxlinkedlist.h"
 #include "krrxset.h"
+#include "krrxtextstring.h"
 #include "modules/KrRxImpDynamicLinker.h"
 #include "reflection/KrRfReflectionService.h"
 #include "runtime/KrRxCoreClass.h"
@@ -53,7 +54,7 @@ const LibraryClass kLibraryClasses[] = {
     KR_CLASS(KrRxService),
     KR_CLASS(KrRxKernel),
     KR_CLASS(KrRxImpKernel),
-    KR_NAMED(KrRxTextString, KrRxObject),
+    KR_CLASS(KrRxTextString),
     KR_CLASS(KrRxSet),
     KR_CLASS(KrRxImpSet),
     KR_CLASS(KrRxGenTypedSet),

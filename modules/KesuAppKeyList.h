@@ -1,0 +1,37 @@
+#pragma once
+// The search order of the application registry, shared by reading, trigger
+// and product-code queries and enumeration.
+
+#include <windows.h>
+
+#include <functional>
+#include <vector>
+
+#include "krstring.h"
+
+class KesuAppKeyList {
+ public:
+  // Takes the product keys as they are now: the host's (when there is one),
+  // the settable key, then for minor releases 20.4 down to 20.0 each of those
+  // two that contains "20.5", with that text replaced.
+  KesuAppKeyList();
+
+  // Opens each product key followed by subKey with access, HKEY_CURRENT_USER
+  // before HKEY_LOCAL_MACHINE, and hands every key that opens to use, which
+  // answers true to end the search. The key is closed after use. True when
+  // use ended the search.
+  bool search(const wchar_t* subKey, REGSAM access, const std::function<bool(HKEY)>& use) const;
+
+  // The first key of the search order that opens answers: true when there is one.
+  bool useFirst(const wchar_t* subKey, REGSAM access, const std::function<void(HKEY)>& use) const;
+
+ private:
+  std::vector<KrString> mProductKeys;
+};
+
+// "\Applications\" followed by appName: an application key below a product key.
+KrString krrxApplicationSubKey(const wchar_t* appName);
+
+// Reads the REG_SZ value name of key into text; false (text untouched) when
+// the value is missing or of another type.
+bool krrxQueryRegText(HKEY key, const wchar_t* name, KrString& text);
