@@ -9,7 +9,8 @@ install(TARGETS kr1st EXPORT KestruneTargets
   LIBRARY DESTINATION lib)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/include/ DESTINATION include FILES_MATCHING PATTERN "*.h")
 install(EXPORT KestruneTargets NAMESPACE Kestrune:: DESTINATION lib/cmake/Kestrune)
-install(FILES ${CMAKE_SOURCE_DIR}/cmake/toolchain-mingw64.cmake DESTINATION lib/cmake/Kestrune)
+install(FILES ${CMAKE_SOURCE_DIR}/cmake/toolchain-mingw64.cmake ${CMAKE_SOURCE_DIR}/cmake/KestruneModule.cmake
+  DESTINATION lib/cmake/Kestrune)
 install(PROGRAMS ${CMAKE_SOURCE_DIR}/cmake/wine-run.sh DESTINATION lib/cmake/Kestrune)
 
 configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/KestruneConfig.cmake.in

@@ -1,6 +1,7 @@
 #pragma once
 // The Kestrune runtime: every public header of kr1st20.dll.
 
+#include "kesuappregistry.h"
 #include "krdiagnostics.h"
 #include "krerrorstatus.h"
 #include "krexport.h"

@@ -81,7 +81,6 @@ bool KesuAppInfo::runAppLoader() const { return mAppLoader && mAppLoader(*this);
 
 KesuApp::ErrorStatus KesuAppInfo::readFromRegistry() {
   if (mAppName.isEmpty()) return mStatus = KesuApp::eNoAppName;
-  mStatus = KesuApp::eNotDone;
   bool found = KesuAppKeyList().useFirst(krrxApplicationSubKey(appName()), KEY_QUERY_VALUE, [this](HKEY key) {
     mStatus = KesuApp::eOk;
     mDescription.clearAll();

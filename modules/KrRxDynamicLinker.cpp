@@ -1,14 +1,27 @@
-// Linker reactors and the abstract linker's run-time type members.
+// Linker reactors, the module entry protocol's exported data and the global
+// functions through which hosts and modules reach the linker.
 
 #include <cstdlib>
 #include <cwchar>
 
+#include "foundation/KrHostServices.h"
+#include "krhostservices.h"
+#include "krrxdictionary.h"
 #include "krrxdynamiclinker.h"
+#include "krrxgenhand.h"
+#include "krrxsystem.h"
+#include "modules/KrRxImpDynamicLinker.h"
 #include "runtime/KrRxCoreClass.h"
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxDLinkerReactor, KrRxObject)
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxDLinkerReactor2, KrRxDLinkerReactor)
 KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxDynamicLinker, KrRxObject)
+
+const char* const KRRX_ENTRY_POINT = "krrxEntryPoint";
+const char* const KRRX_GET_API_VERSION = "krrxGetApiVersion";
+const unsigned int KRRX_CUR_API_VERSION = 0x00140005;
+const unsigned int KRRX_MIN_API_VERSION = 0x00140000;
+bool bCatchSendAppExceptions = false;
 
 void KrRxDLinkerReactor::rxAppWillBeLoaded(const wchar_t*) {}
 void KrRxDLinkerReactor::rxAppLoaded(const wchar_t*) {}
@@ -17,3 +30,103 @@ void KrRxDLinkerReactor::rxAppWillBeUnloaded(const wchar_t*) {}
 void KrRxDLinkerReactor::rxAppUnloaded(const wchar_t*) {}
 void KrRxDLinkerReactor::rxAppUnloadAborted(const wchar_t*) {}
 void KrRxDLinkerReactor2::rxAppCouldBeLoaded(void*) {}
+
+void KrRxDLinkerReactor2::veto(const wchar_t* reason) {
+  wchar_t* copy = _wcsdup(reason ? reason : L"");
+  if (!copy) return;
+  free(KrRxImpDynamicLinker::mLoadModuleFailReason);
+  KrRxImpDynamicLinker::mLoadModuleFailReason = copy;
+}
+
+namespace {
+
+KrRxImpDynamicLinker* theLinker() {
+  return sysRegistry ? KrRxImpDynamicLinker::cast(sysRegistry->at(L"DynamicLinker")) : nullptr;
+}
+
+constexpr size_t kListBaseNameCapacity = 259;
+
+}  // namespace
+
+bool krrxLoadModule(const wchar_t* name, bool printMessages, bool asCommand) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->loadModule(name, printMessages, asCommand);
+}
+
+bool krrxLoadApp(const wchar_t* appName, bool asCommand) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->loadApp(appName, KesuApp::kLoadByName, false, asCommand);
+}
+
+bool krrxUnloadModule(const wchar_t* name, bool asCommand) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->unloadModule(name, asCommand);
+}
+
+bool krrxUnloadApp(const wchar_t* appName, bool asCommand) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->unloadApp(appName, asCommand);
+}
+
+bool krrxAppIsLoaded(const wchar_t* appName) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->appIsLoaded(appName);
+}
+
+bool krrxSendAppMessage(const wchar_t* name, KrRx::AppMsgCode code, void* packet) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->sendAppMessage(name, code, packet, KrRxGenHand::mCurModule);
+}
+
+bool krrxLockApplication(void* appId) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->lockApplication(appId);
+}
+
+bool krrxUnlockApplication(void* appId) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->unlockApplication(appId);
+}
+
+bool krrxApplicationIsLocked(const wchar_t* name) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->isApplicationLocked(name);
+}
+
+bool krrxRegisterAppMDIAware(void* appId) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->registerAppMDIAware(appId);
+}
+
+bool krrxRegisterAppNotMDIAware(void* appId) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->registerAppNotMDIAware(appId);
+}
+
+bool krrxIsAppMDIAware(const wchar_t* name) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  return linker && linker->isAppMDIAware(name);
+}
+
+bool krrxAddDbAppMonitor(KrRxDLinkerReactor* monitor) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  if (linker) linker->addDbAppMonitor(monitor);
+  return linker != nullptr;
+}
+
+bool krrxRemoveDbAppMonitor(KrRxDLinkerReactor* monitor) {
+  KrRxImpDynamicLinker* linker = theLinker();
+  if (linker) linker->removeDbAppMonitor(monitor);
+  return linker != nullptr;
+}
+
+bool krrxProcessInitFile() {
+  KrRxImpDynamicLinker* linker = theLinker();
+  if (!linker) return false;
+  KrDbHostApplicationServices* host = krHostServices();
+  const wchar_t* baseName = host ? host->listFileBaseName() : nullptr;
+  wchar_t listFile[kListBaseNameCapacity + 4] = {};
+  wcsncpy(listFile, baseName ? baseName : L"krrx", kListBaseNameCapacity);
+  wcscat(listFile, L".rx");
+  return linker->initListedModules(listFile);
+}

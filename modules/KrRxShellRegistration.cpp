@@ -8,7 +8,9 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "krexport.h"
 
@@ -70,7 +72,7 @@ void writeKey(HKEY root, const std::wstring& path, std::initializer_list<std::pa
   RegCloseKey(key);
 }
 
-void install(const ModuleFileType& type) {
+void registerFileType(const ModuleFileType& type) {
   const bool classicShell = isWindowsAtLeast(5, 1) && !isWindowsAtLeast(6, 0);
   const bool propertySystem = isWindowsAtLeast(6, 0);
   const std::wstring identifier = type.identifier;
@@ -102,7 +104,7 @@ bool defaultValueIs(HKEY key, const wchar_t* text) {
          type == REG_SZ && wcscmp(value, text) == 0;
 }
 
-void uninstall(const ModuleFileType& type) {
+void unregisterFileType(const ModuleFileType& type) {
   HKEY extension;
   if (RegOpenKeyExW(HKEY_CLASSES_ROOT, type.extension, 0, KEY_QUERY_VALUE | KEY_SET_VALUE, &extension) ==
       ERROR_SUCCESS) {
@@ -119,6 +121,6 @@ void uninstall(const ModuleFileType& type) {
 // null (E_INVALIDARG); registry failures are ignored and the result is S_OK.
 extern "C" KR1ST_API HRESULT WINAPI DllInstall(BOOL install, const wchar_t* commandLine) {
   if (!commandLine) return E_INVALIDARG;
-  for (const ModuleFileType& type : kModuleFileTypes) install ? ::install(type) : uninstall(type);
+  for (const ModuleFileType& type : kModuleFileTypes) install ? registerFileType(type) : unregisterFileType(type);
   return S_OK;
 }

@@ -162,6 +162,7 @@ bool KrRxImpClass::connect(KrRxDictionary* dictionary) {
     mpPeTable = static_cast<KrRxProtocolTable*>(__krMalloc(sizeof(KrRxProtocolTable)));
     *mpPeTable = {this, {}};
   }
+  if (const wchar_t* appName = mpModule ? logicalAppName() : nullptr) mpModule->addLogicalAppName(appName);
   return true;
 }
 
@@ -177,7 +178,15 @@ bool KrRxImpClass::disconnect(KrRxDictionary* dictionary) {
     dictionary->remove(mDictionaryId);
     mDictionaryId = 0;
   }
+  if (const wchar_t* appName = mpModule ? logicalAppName() : nullptr) mpModule->removeLogicalAppName(appName);
   return true;
+}
+
+const wchar_t* KrRxImpClass::logicalAppName() const {
+  if (mpInfo->appName) return mpInfo->appName;
+  wchar_t* name = nullptr;
+  if (mpInfo->appNameCallback) mpInfo->appNameCallback(mpOwner, name, 0);
+  return name;
 }
 
 bool KrRxImpClass::addDescendant(KrRxClass* cls) {

@@ -78,6 +78,9 @@ class KR1ST_API KrRxImpClass {
   KrRxObject* lookupX(const KrRxClass* protocolClass) const;
 
   const KrRxClassInfo* info() const { return mpInfo; }
+  // The application name under which the class's module registers it: the
+  // information record's appName, else what its appNameCallback gives; or null.
+  const wchar_t* logicalAppName() const;
 
   static KrRxGrowArray<KrRxImpClass*> newClasses;
   static KrRxGrowArray<KrRxImpClass*> deletedClasses;

@@ -4,6 +4,7 @@
 #include "krrxsystem.h"
 
 #include "extensions/KrRxProtocolReactorManagerFactory.h"
+#include "kesuappregistry.h"
 #include "krrxclass.h"
 #include "krrxcopyonwrite.h"
 #include "krrxdictionary.h"
@@ -78,8 +79,8 @@ const LibraryClass kLibraryClasses[] = {
     KR_NAMED(KrRxOverrule, KrRxOverruleBase),
     KR_NAMED(KrRxQueryXOverrule, KrRxOverrule),
     KR_NAMED(KrRxOverruleInternals, KrRxObject),
-    KR_NAMED(KesuAppInfo, KrRxObject),
-    KR_NAMED(KesuAppRegistry, KrRxObject),
+    KR_CLASS(KesuAppInfo),
+    KR_CLASS(KesuAppRegistry),
     KR_NAMED(KrRxClassDetailsPE, KrRxObject),
     KR_NAMED(KrRxObjectDetailsPE, KrRxObject),
     KR_NAMED(KrRxObjectSummaryPE, KrRxObject),

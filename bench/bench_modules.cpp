@@ -1,0 +1,118 @@
+// The dynamic linker beside the platform: a load plus unload of a signed
+// module through the linker against a bare LoadLibraryW + WinVerifyTrustEx +
+// FreeLibrary of the same file, and name lookup in a table of 500 loaded
+// modules (500 copies of one signed module, each a real load) against the
+// standard maps.
+
+#include <windows.h>
+
+#include <softpub.h>
+#include <wintrust.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "BenchHarness.h"
+#include "kr1st.h"
+
+namespace {
+
+const int kModules = 500;
+
+std::wstring exeDirectory() {
+  wchar_t path[MAX_PATH];
+  GetModuleFileNameW(nullptr, path, MAX_PATH);
+  std::wstring directory(path);
+  return directory.substr(0, directory.find_last_of(L"\\/") + 1);
+}
+
+LONG verifyTrust(const wchar_t* path) {
+  static const auto verify = reinterpret_cast<LONG(WINAPI*)(HWND, GUID*, WINTRUST_DATA*)>(
+      reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"WINTRUST.DLL"), "WinVerifyTrustEx")));
+  WINTRUST_FILE_INFO file = {sizeof file, path, nullptr, nullptr};
+  WINTRUST_DATA data = {};
+  data.cbStruct = sizeof data;
+  data.dwUIChoice = WTD_UI_NONE;
+  data.dwUnionChoice = WTD_CHOICE_FILE;
+  data.pFile = &file;
+  data.dwProvFlags = WTD_REVOCATION_CHECK_NONE;
+  GUID action = WINTRUST_ACTION_GENERIC_VERIFY_V2;
+  return verify(static_cast<HWND>(INVALID_HANDLE_VALUE), &action, &data);
+}
+
+void benchLoadAndUnload(const std::wstring& module) {
+  const wchar_t* path = module.c_str();
+  double ours = bench::nsPerCall(
+      [&](long long) {
+        if (!krrxLoadModule(path, false, false) || !krrxUnloadModule(path, false)) std::abort();
+      },
+      40, 5);
+  double bare = bench::nsPerCall(
+      [&](long long) {
+        HMODULE handle = LoadLibraryW(path);
+        if (!handle || verifyTrust(path) != 0) std::abort();
+        FreeLibrary(handle);
+      },
+      40, 5);
+  bench::report("load + unload of a signed module", ours, "LoadLibraryW+WinVerifyTrustEx+Free", bare);
+}
+
+// Copies of the module under kModules names, loaded through the linker.
+std::vector<std::wstring> loadCopies(const std::wstring& module) {
+  std::wstring directory = exeDirectory() + L"bench\\copies\\";
+  CreateDirectoryW(directory.c_str(), nullptr);
+  std::vector<std::wstring> names;
+  for (int i = 0; i < kModules; ++i) {
+    std::wstring name = L"copy" + std::to_wstring(i) + L".krx";
+    CopyFileW(module.c_str(), (directory + name).c_str(), FALSE);
+    if (!krrxLoadModule((directory + name).c_str(), false, false)) std::abort();
+    names.push_back(name);
+  }
+  return names;
+}
+
+void unloadCopies(const std::vector<std::wstring>& names) {
+  std::wstring directory = exeDirectory() + L"bench\\copies\\";
+  for (const std::wstring& name : names) {
+    krrxUnloadModule(name.c_str(), false);
+    DeleteFileW((directory + name).c_str());
+  }
+  RemoveDirectoryW(directory.c_str());
+}
+
+void benchLookup(const std::vector<std::wstring>& names) {
+  auto* linker = static_cast<KrRxDynamicLinker*>(krrxSysRegistry()->at(L"DynamicLinker"));
+  std::vector<std::wstring> stems, paths;
+  std::map<std::wstring, void*> map;
+  std::unordered_map<std::wstring, void*> hashed;
+  for (const std::wstring& name : names) {
+    stems.push_back(name.substr(0, name.size() - 4));
+    paths.push_back(L"C:\\some\\dir\\" + name);
+    map.emplace(name, linker->moduleHandlePtr(name.c_str()));
+    hashed.emplace(name, linker->moduleHandlePtr(name.c_str()));
+  }
+  auto at = [](long long i) { return size_t(i * 7919 % kModules); };
+  double byName = bench::nsPerCall([&](long long i) { bench::keep(linker->moduleHandlePtr(names[at(i)].c_str())); });
+  double byPath = bench::nsPerCall([&](long long i) { bench::keep(linker->moduleHandlePtr(paths[at(i)].c_str())); });
+  double byStem = bench::nsPerCall([&](long long i) { bench::keep(linker->moduleHandlePtr(stems[at(i)].c_str())); });
+  double mapped = bench::nsPerCall([&](long long i) { bench::keep(map.find(names[at(i)])->second); });
+  double hashedFind = bench::nsPerCall([&](long long i) { bench::keep(hashed.find(names[at(i)])->second); });
+  bench::report("moduleHandlePtr(\"copyN.krx\"), 500 modules", byName, "std::map::find", mapped);
+  bench::report("moduleHandlePtr(\"copyN.krx\"), 500 modules", byName, "std::unordered_map::find", hashedFind);
+  bench::report("moduleHandlePtr(\"C:\\\\some\\\\dir\\\\copyN.krx\")", byPath, "std::map::find", mapped);
+  bench::report("moduleHandlePtr(\"copyN\"): .kra, then .krx", byStem, "std::map::find", mapped);
+}
+
+}  // namespace
+
+int main() {
+  std::wstring module = exeDirectory() + L"bench\\bench_module.krx";
+  benchLoadAndUnload(module);
+  std::vector<std::wstring> names = loadCopies(module);
+  benchLookup(names);
+  unloadCopies(names);
+  return 0;
+}

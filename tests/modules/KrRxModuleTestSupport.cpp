@@ -1,0 +1,53 @@
+#include "KrRxModuleTestSupport.h"
+
+#include <windows.h>
+
+
+KrRxImpDynamicLinker* krTestLinker() {
+  return KrRxImpDynamicLinker::cast(krrxSysRegistry()->at(L"DynamicLinker"));
+}
+
+std::wstring krTestBinDirectory() {
+  wchar_t path[MAX_PATH];
+  GetModuleFileNameW(nullptr, path, MAX_PATH);
+  std::wstring directory(path);
+  return directory.substr(0, directory.find_last_of(L"\\/") + 1);
+}
+
+std::string krUtf16le(const std::wstring& text) {
+  std::string bytes;
+  for (wchar_t unit : text) {
+    bytes.push_back(char(unit & 0xFF));
+    bytes.push_back(char(unit >> 8));
+  }
+  return bytes;
+}
+
+void krWriteFile(const std::wstring& path, const std::string& bytes) {
+  HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+  DWORD written = 0;
+  WriteFile(file, bytes.data(), DWORD(bytes.size()), &written, nullptr);
+  CloseHandle(file);
+}
+
+std::string krReadFile(const std::wstring& path) {
+  HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  std::string bytes(GetFileSize(file, nullptr), '\0');
+  DWORD read = 0;
+  ReadFile(file, &bytes[0], DWORD(bytes.size()), &read, nullptr);
+  CloseHandle(file);
+  return bytes;
+}
+
+void KrRecordingReactor::rxAppLoaded(const wchar_t* name) {
+  record(L"loaded", name);
+  if (markVetoedWhenLoaded) static_cast<KrRxGenHand*>(krTestLinker()->moduleHandlePtr(name))->setVetoed();
+}
+
+
+void KrRecordingReactor::rxAppCouldBeLoaded(void* module) {
+  wchar_t path[MAX_PATH];
+  GetModuleFileNameW(static_cast<HMODULE>(module), path, MAX_PATH);
+  record(L"couldBeLoaded", KrRxImpDynamicLinker::findFileName(path));
+  if (vetoOffers) veto(vetoReason.c_str());
+}

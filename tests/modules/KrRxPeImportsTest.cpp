@@ -1,0 +1,183 @@
+// The PE import reader: a small well-formed image and a dozen ways to break
+// it, real module files, and random damage. Malformed input yields no
+// names, never a read outside the image.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "KrRxModuleTestSupport.h"
+#include "modules/KrRxPeImports.h"
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace {
+
+// Offsets in the image that buildImage makes.
+constexpr size_t kPeOffset = 0x40;
+constexpr size_t kFileHeader = kPeOffset + 4;
+constexpr size_t kOptionalHeader = kFileHeader + 20;
+constexpr size_t kImportDirectory = kOptionalHeader + 120;
+constexpr size_t kSectionHeader = kOptionalHeader + 240;
+constexpr size_t kSectionData = 0x200;
+constexpr uint32_t kSectionRva = 0x1000;
+
+struct Layout {
+  bool namesFirst = false;     // names before the descriptors instead of after them
+  bool zeroEntry = true;       // the descriptor list ends with a zero entry
+  bool terminateLast = true;   // the last name has its terminator
+};
+
+template <typename T>
+void put(std::vector<unsigned char>& image, size_t offset, T value) {
+  memcpy(&image[offset], &value, sizeof value);
+}
+
+template <typename T>
+T get(const std::vector<unsigned char>& image, size_t offset) {
+  T value;
+  memcpy(&value, &image[offset], sizeof value);
+  return value;
+}
+
+// A minimal 64-bit PE image with one section that holds the import
+// descriptors of "a.dll" and "b.dll" and their names, ending with the section.
+std::vector<unsigned char> buildImage(const Layout& layout = {}) {
+  const std::vector<std::string> names = {"a.dll", "b.dll"};
+  std::string nameBytes;
+  std::vector<uint32_t> nameRvas;
+  size_t descriptorBytes = (names.size() + (layout.zeroEntry ? 1 : 0)) * 20;
+  uint32_t namesRva = kSectionRva + uint32_t(layout.namesFirst ? 0 : descriptorBytes);
+  for (const std::string& name : names) {
+    nameRvas.push_back(namesRva + uint32_t(nameBytes.size()));
+    nameBytes += name;
+    nameBytes.push_back('\0');
+  }
+  if (!layout.terminateLast) nameBytes.pop_back();
+  uint32_t descriptorsRva = kSectionRva + uint32_t(layout.namesFirst ? nameBytes.size() : 0);
+  size_t sectionSize = descriptorBytes + nameBytes.size();
+
+  std::vector<unsigned char> image(kSectionData + sectionSize, 0);
+  put<uint16_t>(image, 0, 0x5A4D);
+  put<uint32_t>(image, 0x3C, kPeOffset);
+  put<uint32_t>(image, kPeOffset, 0x00004550);
+  put<uint16_t>(image, kFileHeader, 0x8664);
+  put<uint16_t>(image, kFileHeader + 2, 1);
+  put<uint16_t>(image, kFileHeader + 16, 240);
+  put<uint16_t>(image, kOptionalHeader, 0x20B);
+  put<uint32_t>(image, kOptionalHeader + 108, 16);
+  put<uint32_t>(image, kImportDirectory, descriptorsRva);
+  put<uint32_t>(image, kImportDirectory + 4, uint32_t(descriptorBytes));
+  put<uint32_t>(image, kSectionHeader + 8, uint32_t(sectionSize));
+  put<uint32_t>(image, kSectionHeader + 12, kSectionRva);
+  put<uint32_t>(image, kSectionHeader + 16, uint32_t(sectionSize));
+  put<uint32_t>(image, kSectionHeader + 20, uint32_t(kSectionData));
+  size_t descriptors = kSectionData + (descriptorsRva - kSectionRva);
+  for (size_t i = 0; i < names.size(); ++i) put<uint32_t>(image, descriptors + i * 20 + 12, nameRvas[i]);
+  memcpy(&image[kSectionData + (namesRva - kSectionRva)], nameBytes.data(), nameBytes.size());
+  return image;
+}
+
+std::vector<std::string> namesOf(const std::vector<unsigned char>& image) {
+  return krrxPeImportNames(image.data(), image.size());
+}
+
+TEST(KrRxPeImportsTest, AWellFormedImageNamesItsImports) {
+  EXPECT_THAT(namesOf(buildImage()), ElementsAre("a.dll", "b.dll"));
+  Layout namesFirst;
+  namesFirst.namesFirst = true;
+  EXPECT_THAT(namesOf(buildImage(namesFirst)), ElementsAre("a.dll", "b.dll"));
+}
+
+TEST(KrRxPeImportsTest, EveryTruncationYieldsNothing) {
+  std::vector<unsigned char> image = buildImage();
+  for (size_t size = 0; size < image.size(); ++size)
+    ASSERT_THAT(krrxPeImportNames(image.data(), size), IsEmpty()) << "cut at " << size;
+  EXPECT_THAT(krrxPeImportNames(nullptr, 100), IsEmpty());
+}
+
+TEST(KrRxPeImportsTest, MalformedHeadersYieldNothing) {
+  struct Damage {
+    const char* what;
+    void (*apply)(std::vector<unsigned char>&);
+  };
+  const Damage damages[] = {
+      {"no DOS signature", [](std::vector<unsigned char>& i) { put<uint16_t>(i, 0, 0x4D5A); }},
+      {"e_lfanew past the end", [](std::vector<unsigned char>& i) { put<uint32_t>(i, 0x3C, uint32_t(i.size() - 2)); }},
+      {"e_lfanew at 4 GiB", [](std::vector<unsigned char>& i) { put<uint32_t>(i, 0x3C, 0xFFFFFFFCu); }},
+      {"no PE signature", [](std::vector<unsigned char>& i) { put<uint32_t>(i, kPeOffset, 0x00004551); }},
+      {"32-bit optional header size", [](std::vector<unsigned char>& i) { put<uint16_t>(i, kFileHeader + 16, 224); }},
+      {"32-bit magic", [](std::vector<unsigned char>& i) { put<uint16_t>(i, kOptionalHeader, 0x10B); }},
+      {"empty import directory", [](std::vector<unsigned char>& i) { put<uint32_t>(i, kImportDirectory + 4, 0); }},
+      {"import directory outside every section",
+       [](std::vector<unsigned char>& i) { put<uint32_t>(i, kImportDirectory, 0x7000); }},
+      {"section table past the end", [](std::vector<unsigned char>& i) { put<uint16_t>(i, kFileHeader + 2, 0xFFFF); }},
+      {"optional header size pushing the section table out",
+       [](std::vector<unsigned char>& i) { put<uint16_t>(i, kFileHeader + 16, 0xFFF0); }},
+      {"section data past the end", [](std::vector<unsigned char>& i) { put<uint32_t>(i, kSectionHeader + 20, 0x7FFFFFF0); }},
+      {"descriptor cut by the section's end",
+       [](std::vector<unsigned char>& i) {
+         put<uint32_t>(i, kImportDirectory, kSectionRva + get<uint32_t>(i, kSectionHeader + 16) - 8);
+       }},
+      {"name outside every section",
+       [](std::vector<unsigned char>& i) { put<uint32_t>(i, kSectionData + 20 + 12, 0x9000); }},
+  };
+  for (const Damage& damage : damages) {
+    std::vector<unsigned char> image = buildImage();
+    damage.apply(image);
+    EXPECT_THAT(namesOf(image), IsEmpty()) << damage.what;
+  }
+}
+
+TEST(KrRxPeImportsTest, UnterminatedNamesAndEndlessDescriptorListsYieldNothing) {
+  Layout unterminated;
+  unterminated.terminateLast = false;
+  EXPECT_THAT(namesOf(buildImage(unterminated)), IsEmpty());
+  Layout endless;
+  endless.namesFirst = true;
+  endless.zeroEntry = false;
+  EXPECT_THAT(namesOf(buildImage(endless)), IsEmpty());
+}
+
+TEST(KrRxPeImportsTest, RealModulesNameTheLibrariesTheyImport) {
+  std::vector<std::string> names = krrxPeImportNamesOfFile((krTestBinDirectory() + L"user.krx").c_str());
+  EXPECT_THAT(names, Contains("dependency.krx"));
+  EXPECT_THAT(names, Contains("kr1st20.dll"));
+  EXPECT_THAT(krrxPeImportNamesOfFile((krTestBinDirectory() + L"absent.krx").c_str()), IsEmpty());
+  EXPECT_THAT(krrxPeImportNamesOfFile(krTestBinDirectory().c_str()), IsEmpty()) << "a directory";
+  EXPECT_THAT(krrxPeImportNamesOfFile(nullptr), IsEmpty());
+  std::wstring empty = krTestBinDirectory() + L"empty.krx";
+  krWriteFile(empty, "");
+  EXPECT_THAT(krrxPeImportNamesOfFile(empty.c_str()), IsEmpty());
+  DeleteFileW(empty.c_str());
+}
+
+TEST(KrRxPeImportsTest, RandomDamageNeverReadsOutsideTheImage) {
+  std::string file = krReadFile(krTestBinDirectory() + L"user.krx");
+  std::vector<unsigned char> original(file.begin(), file.end());
+  std::mt19937 random(20);
+  for (int round = 0; round < 3000; ++round) {
+    std::vector<unsigned char> image = original;
+    // Header bytes are where damage matters most.
+    size_t span = round % 2 ? image.size() : 1024;
+    for (int flips = 1 + int(random() % 4); flips > 0; --flips) image[random() % span] = uint8_t(random());
+    image.resize(round % 3 ? image.size() : random() % image.size());
+    // An exact-size heap copy: a read past its end would meet the heap's guard.
+    std::unique_ptr<unsigned char[]> exact(new unsigned char[image.size() + 1]);
+    memcpy(exact.get(), image.data(), image.size());
+    krrxPeImportNames(exact.get(), image.size());
+  }
+  SUCCEED();
+}
+
+}  // namespace
