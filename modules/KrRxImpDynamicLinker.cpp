@@ -24,6 +24,7 @@
 #include "krrxiterator.h"
 #include "krrxservice.h"
 #include "krrxsystem.h"
+#include "modules/KrRxListFileReader.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxImpClass.h"
 #include "runtime/KrRxImpDictionary.h"
@@ -45,7 +46,6 @@ constexpr int kFormatFailed = -5004;
 
 constexpr size_t kReasonBufferSize = 2048;
 constexpr DWORD kLongPathCapacity = 32767;
-constexpr size_t kListLineCapacity = 32767;
 // A module's file name is one path component: at most 255 characters.
 constexpr size_t kFileNameCapacity = 255;
 
@@ -551,75 +551,11 @@ unsigned int KrRxImpDynamicLinker::ProductLcid() const {
 
 // ---- List files ----
 
-namespace {
-
-// Reads a list file as UTF-16LE units, buffered; an odd last byte is ignored.
-class ListFileReader {
- public:
-  explicit ListFileReader(HANDLE file) : mFile(file) {}
-
-  // The next line without its CR LF, at most kListLineCapacity units (the
-  // rest of a longer line is dropped); false at the end of the file.
-  bool nextLine(std::wstring& line) {
-    line.clear();
-    wchar_t unit;
-    bool any = false;
-    while (nextUnit(unit)) {
-      any = true;
-      if (unit == L'\r' && peekUnit(L'\n')) return true;
-      if (line.size() < kListLineCapacity) line.push_back(unit);
-    }
-    return any;
-  }
-
- private:
-  bool nextByte(unsigned char& byte) {
-    if (mPosition == mSize) {
-      mPosition = 0;
-      if (!ReadFile(mFile, mBuffer, sizeof mBuffer, &mSize, nullptr)) mSize = 0;
-      if (mSize == 0) return false;
-    }
-    byte = mBuffer[mPosition++];
-    return true;
-  }
-
-  bool nextUnit(wchar_t& unit) {
-    if (mHasPending) {
-      mHasPending = false;
-      unit = mPending;
-      return true;
-    }
-    unsigned char low, high;
-    if (!nextByte(low) || !nextByte(high)) return false;
-    unit = wchar_t(low | high << 8);
-    return true;
-  }
-
-  // Consumes the next unit when it is expected; otherwise keeps it for later.
-  bool peekUnit(wchar_t expected) {
-    wchar_t unit;
-    if (!nextUnit(unit)) return false;
-    if (unit == expected) return true;
-    mPending = unit;
-    mHasPending = true;
-    return false;
-  }
-
-  HANDLE mFile;
-  unsigned char mBuffer[4096];
-  DWORD mSize = 0;
-  DWORD mPosition = 0;
-  wchar_t mPending = 0;
-  bool mHasPending = false;
-};
-
-}  // namespace
-
 bool KrRxImpDynamicLinker::initListedModules(const wchar_t* listFile) {
   HANDLE file = CreateFileW(listFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                             FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   if (file == INVALID_HANDLE_VALUE) return false;
-  ListFileReader reader(file);
+  KrRxListFileReader reader(file);
   bool allLoaded = true;
   std::wstring line;
   while (reader.nextLine(line))

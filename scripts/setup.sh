@@ -2,7 +2,8 @@
 # Installs what building and running the project needs on Debian 12, quietly
 # and only when something is missing. Run as root.
 set -e
-packages="g++-mingw-w64-x86-64-posix wine64 googletest osslsigncode cmake ninja-build openssl"
+# wine (the command) comes with wine64 as a recommended package.
+packages="g++-mingw-w64-x86-64-posix wine64 wine googletest osslsigncode cmake ninja-build openssl"
 missing=""
 for package in $packages; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "ok installed" || missing="$missing $package"
@@ -11,5 +12,5 @@ if [ -n "$missing" ]; then
   echo "Installing:$missing"
   export DEBIAN_FRONTEND=noninteractive
   apt-get update -qq
-  apt-get install -y -qq --no-install-recommends $missing >/dev/null
+  apt-get install -y -qq $missing >/dev/null
 fi
