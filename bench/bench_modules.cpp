@@ -6,9 +6,6 @@
 
 #include <windows.h>
 
-#include <softpub.h>
-#include <wintrust.h>
-
 #include <cstdio>
 #include <map>
 #include <string>
@@ -16,32 +13,12 @@
 #include <vector>
 
 #include "BenchHarness.h"
+#include "KrTestFiles.h"
 #include "kr1st.h"
 
 namespace {
 
 const int kModules = 500;
-
-std::wstring exeDirectory() {
-  wchar_t path[MAX_PATH];
-  GetModuleFileNameW(nullptr, path, MAX_PATH);
-  std::wstring directory(path);
-  return directory.substr(0, directory.find_last_of(L"\\/") + 1);
-}
-
-LONG verifyTrust(const wchar_t* path) {
-  static const auto verify = reinterpret_cast<LONG(WINAPI*)(HWND, GUID*, WINTRUST_DATA*)>(
-      reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"WINTRUST.DLL"), "WinVerifyTrustEx")));
-  WINTRUST_FILE_INFO file = {sizeof file, path, nullptr, nullptr};
-  WINTRUST_DATA data = {};
-  data.cbStruct = sizeof data;
-  data.dwUIChoice = WTD_UI_NONE;
-  data.dwUnionChoice = WTD_CHOICE_FILE;
-  data.pFile = &file;
-  data.dwProvFlags = WTD_REVOCATION_CHECK_NONE;
-  GUID action = WINTRUST_ACTION_GENERIC_VERIFY_V2;
-  return verify(static_cast<HWND>(INVALID_HANDLE_VALUE), &action, &data);
-}
 
 void benchLoadAndUnload(const std::wstring& module) {
   const wchar_t* path = module.c_str();
@@ -53,7 +30,7 @@ void benchLoadAndUnload(const std::wstring& module) {
   double bare = bench::nsPerCall(
       [&](long long) {
         HMODULE handle = LoadLibraryW(path);
-        if (!handle || verifyTrust(path) != 0) std::abort();
+        if (!handle || krVerifyTrust(path) != 0) std::abort();
         FreeLibrary(handle);
       },
       40, 5);
@@ -62,7 +39,7 @@ void benchLoadAndUnload(const std::wstring& module) {
 
 // Copies of the module under kModules names, loaded through the linker.
 std::vector<std::wstring> loadCopies(const std::wstring& module) {
-  std::wstring directory = exeDirectory() + L"bench\\copies\\";
+  std::wstring directory = krTestBinDirectory() + L"bench\\copies\\";
   CreateDirectoryW(directory.c_str(), nullptr);
   std::vector<std::wstring> names;
   for (int i = 0; i < kModules; ++i) {
@@ -75,7 +52,7 @@ std::vector<std::wstring> loadCopies(const std::wstring& module) {
 }
 
 void unloadCopies(const std::vector<std::wstring>& names) {
-  std::wstring directory = exeDirectory() + L"bench\\copies\\";
+  std::wstring directory = krTestBinDirectory() + L"bench\\copies\\";
   for (const std::wstring& name : names) {
     krrxUnloadModule(name.c_str(), false);
     DeleteFileW((directory + name).c_str());
@@ -109,7 +86,7 @@ void benchLookup(const std::vector<std::wstring>& names) {
 }  // namespace
 
 int main() {
-  std::wstring module = exeDirectory() + L"bench\\bench_module.krx";
+  std::wstring module = krTestBinDirectory() + L"bench\\bench_module.krx";
   benchLoadAndUnload(module);
   std::vector<std::wstring> names = loadCopies(module);
   benchLookup(names);

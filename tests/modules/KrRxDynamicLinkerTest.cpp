@@ -7,9 +7,6 @@
 
 #include <windows.h>
 
-#include <softpub.h>
-#include <wintrust.h>
-
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -51,20 +48,6 @@ std::wstring systemText(DWORD error) {
   std::wstring copy = text ? text : L"";
   LocalFree(text);
   return copy;
-}
-
-LONG verifyTrust(const std::wstring& path) {
-  WINTRUST_FILE_INFO file = {sizeof file, path.c_str(), nullptr, nullptr};
-  WINTRUST_DATA data = {};
-  data.cbStruct = sizeof data;
-  data.dwUIChoice = WTD_UI_NONE;
-  data.dwUnionChoice = WTD_CHOICE_FILE;
-  data.pFile = &file;
-  data.dwProvFlags = WTD_REVOCATION_CHECK_NONE;
-  GUID action = WINTRUST_ACTION_GENERIC_VERIFY_V2;
-  auto verify = reinterpret_cast<LONG(WINAPI*)(HWND, GUID*, WINTRUST_DATA*)>(
-      reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"WINTRUST.DLL"), "WinVerifyTrustEx")));
-  return verify(static_cast<HWND>(INVALID_HANDLE_VALUE), &action, &data);
 }
 
 // A copy of good.krx with one byte of its DOS stub changed: still a loadable
@@ -185,9 +168,9 @@ TEST_F(LinkerTest, ModulesWithoutTheEntryProtocolOrFileAreRefused) {
 }
 
 TEST_F(LinkerTest, TheSigningFactsHoldOnThisPlatform) {
-  EXPECT_EQ(verifyTrust(krTestBinDirectory() + L"good.krx"), 0);
-  EXPECT_EQ(ULONG(verifyTrust(krTestBinDirectory() + L"unsigned.krx")), 0x800B0100u);
-  EXPECT_EQ(ULONG(verifyTrust(makeTamperedCopy())), 0x80096010u);
+  EXPECT_EQ(krVerifyTrust((krTestBinDirectory() + L"good.krx").c_str()), 0);
+  EXPECT_EQ(ULONG(krVerifyTrust((krTestBinDirectory() + L"unsigned.krx").c_str())), 0x800B0100u);
+  EXPECT_EQ(ULONG(krVerifyTrust(makeTamperedCopy().c_str())), 0x80096010u);
 }
 
 TEST_F(LinkerTest, UnsignedAndTamperedModulesAreRefused) {

@@ -7,13 +7,6 @@ KrRxImpDynamicLinker* krTestLinker() {
   return KrRxImpDynamicLinker::cast(krrxSysRegistry()->at(L"DynamicLinker"));
 }
 
-std::wstring krTestBinDirectory() {
-  wchar_t path[MAX_PATH];
-  GetModuleFileNameW(nullptr, path, MAX_PATH);
-  std::wstring directory(path);
-  return directory.substr(0, directory.find_last_of(L"\\/") + 1);
-}
-
 std::string krUtf16le(const std::wstring& text) {
   std::string bytes;
   for (wchar_t unit : text) {

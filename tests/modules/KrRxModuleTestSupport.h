@@ -5,13 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "KrTestFiles.h"
 #include "kr1st.h"
 #include "modules/KrRxImpDynamicLinker.h"
 
 KrRxImpDynamicLinker* krTestLinker();
-
-// The folder of the test executable and of the test modules, with a trailing backslash.
-std::wstring krTestBinDirectory();
 
 // An exported symbol of a module that the linker has loaded, as T (null when absent).
 template <typename T>
