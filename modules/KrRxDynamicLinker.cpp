@@ -40,8 +40,11 @@ void KrRxDLinkerReactor2::veto(const wchar_t* reason) {
 
 namespace {
 
-KrRxImpDynamicLinker* theLinker() {
-  return sysRegistry ? KrRxImpDynamicLinker::cast(sysRegistry->at(L"DynamicLinker")) : nullptr;
+// call(linker) when the system has a linker; false otherwise.
+template <typename Call>
+bool withLinker(Call call) {
+  KrRxImpDynamicLinker* linker = KrRxImpDynamicLinker::registered();
+  return linker && call(linker);
 }
 
 constexpr size_t kListBaseNameCapacity = 259;
@@ -49,79 +52,69 @@ constexpr size_t kListBaseNameCapacity = 259;
 }  // namespace
 
 bool krrxLoadModule(const wchar_t* name, bool printMessages, bool asCommand) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->loadModule(name, printMessages, asCommand);
+  return withLinker([&](auto* linker) { return linker->loadModule(name, printMessages, asCommand); });
 }
 
 bool krrxLoadApp(const wchar_t* appName, bool asCommand) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->loadApp(appName, KesuApp::kLoadByName, false, asCommand);
+  return withLinker([&](auto* linker) { return linker->loadApp(appName, KesuApp::kLoadByName, false, asCommand); });
 }
 
 bool krrxUnloadModule(const wchar_t* name, bool asCommand) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->unloadModule(name, asCommand);
+  return withLinker([&](auto* linker) { return linker->unloadModule(name, asCommand); });
 }
 
 bool krrxUnloadApp(const wchar_t* appName, bool asCommand) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->unloadApp(appName, asCommand);
+  return withLinker([&](auto* linker) { return linker->unloadApp(appName, asCommand); });
 }
 
 bool krrxAppIsLoaded(const wchar_t* appName) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->appIsLoaded(appName);
+  return withLinker([&](auto* linker) { return linker->appIsLoaded(appName); });
 }
 
 bool krrxSendAppMessage(const wchar_t* name, KrRx::AppMsgCode code, void* packet) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->sendAppMessage(name, code, packet, KrRxGenHand::mCurModule);
+  return withLinker([&](auto* linker) { return linker->sendAppMessage(name, code, packet, KrRxGenHand::mCurModule); });
 }
 
 bool krrxLockApplication(void* appId) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->lockApplication(appId);
+  return withLinker([&](auto* linker) { return linker->lockApplication(appId); });
 }
 
 bool krrxUnlockApplication(void* appId) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->unlockApplication(appId);
+  return withLinker([&](auto* linker) { return linker->unlockApplication(appId); });
 }
 
 bool krrxApplicationIsLocked(const wchar_t* name) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->isApplicationLocked(name);
+  return withLinker([&](auto* linker) { return linker->isApplicationLocked(name); });
 }
 
 bool krrxRegisterAppMDIAware(void* appId) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->registerAppMDIAware(appId);
+  return withLinker([&](auto* linker) { return linker->registerAppMDIAware(appId); });
 }
 
 bool krrxRegisterAppNotMDIAware(void* appId) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->registerAppNotMDIAware(appId);
+  return withLinker([&](auto* linker) { return linker->registerAppNotMDIAware(appId); });
 }
 
 bool krrxIsAppMDIAware(const wchar_t* name) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  return linker && linker->isAppMDIAware(name);
+  return withLinker([&](auto* linker) { return linker->isAppMDIAware(name); });
 }
 
 bool krrxAddDbAppMonitor(KrRxDLinkerReactor* monitor) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  if (linker) linker->addDbAppMonitor(monitor);
-  return linker != nullptr;
+  return withLinker([&](auto* linker) {
+    linker->addDbAppMonitor(monitor);
+    return true;
+  });
 }
 
 bool krrxRemoveDbAppMonitor(KrRxDLinkerReactor* monitor) {
-  KrRxImpDynamicLinker* linker = theLinker();
-  if (linker) linker->removeDbAppMonitor(monitor);
-  return linker != nullptr;
+  return withLinker([&](auto* linker) {
+    linker->removeDbAppMonitor(monitor);
+    return true;
+  });
 }
 
 bool krrxProcessInitFile() {
-  KrRxImpDynamicLinker* linker = theLinker();
+  KrRxImpDynamicLinker* linker = KrRxImpDynamicLinker::registered();
   if (!linker) return false;
   KrDbHostApplicationServices* host = krHostServices();
   const wchar_t* baseName = host ? host->listFileBaseName() : nullptr;

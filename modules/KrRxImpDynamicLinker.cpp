@@ -218,6 +218,10 @@ KrRxObject* KrRxImpDynamicLinker::registerService(const wchar_t* serviceName, Kr
 
 // ---- Looking modules up ----
 
+KrRxImpDynamicLinker* KrRxImpDynamicLinker::registered() {
+  return sysRegistry ? KrRxImpDynamicLinker::cast(sysRegistry->at(L"DynamicLinker")) : nullptr;
+}
+
 const wchar_t* KrRxImpDynamicLinker::findFileName(const wchar_t* path) {
   if (!path) return nullptr;
   const wchar_t* backslash = wcsrchr(path, L'\\');

@@ -70,6 +70,8 @@ class KR1ST_API KrRxImpDynamicLinker : public KrRxDynamicLinker {
   void addDbAppMonitor(KrRxDLinkerReactor* monitor);
   void removeDbAppMonitor(KrRxDLinkerReactor* monitor);
 
+  // The linker entered in the system registry under "DynamicLinker", or null.
+  static KrRxImpDynamicLinker* registered();
   // The text after the later of the last '\' and the last '/', or path itself.
   static const wchar_t* findFileName(const wchar_t* path);
   // Formats a message and hands it to the host's message output: 5100 on

@@ -8,14 +8,11 @@
 #include "krrxdictionary.h"
 #include "krrxdynamiclinker.h"
 #include "krrxsystem.h"
+#include "modules/KrRxImpDynamicLinker.h"
 
 namespace {
 
 wchar_t sKestruneRegistryKey[kKestruneRegistryKeySize] = L"SOFTWARE\\OrvanCAD\\Kestrune\\R20.5";
-
-KrRxDynamicLinker* dynamicLinker() {
-  return sysRegistry ? KrRxDynamicLinker::cast(sysRegistry->at(L"DynamicLinker")) : nullptr;
-}
 
 }  // namespace
 
@@ -26,11 +23,11 @@ void krrxSetKestruneRegistryKey(const wchar_t* key) {
 }
 
 const wchar_t* krrxProductKey() {
-  KrRxDynamicLinker* linker = dynamicLinker();
+  KrRxDynamicLinker* linker = KrRxImpDynamicLinker::registered();
   return linker ? linker->ProductKey() : nullptr;
 }
 
 unsigned int krrxProductLCID() {
-  KrRxDynamicLinker* linker = dynamicLinker();
+  KrRxDynamicLinker* linker = KrRxImpDynamicLinker::registered();
   return linker ? linker->ProductLcid() : GetSystemDefaultLCID();
 }

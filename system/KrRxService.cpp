@@ -9,6 +9,7 @@
 #include "krrxdynamiclinker.h"
 #include "krrxgenhand.h"
 #include "krrxsystem.h"
+#include "modules/KrRxImpDynamicLinker.h"
 #include "runtime/KrRxCoreClass.h"
 
 // The private record of a service.
@@ -50,16 +51,8 @@ bool KrRxService::unloadable() const { return mpData->dependencyCount == 0; }
 KrRxAppEntryPoint KrRxService::dependencyFunctionPtr() const { return mpData->dependencyFunction; }
 void KrRxService::setDependencyFunctionPtr(KrRxAppEntryPoint fn) { mpData->dependencyFunction = fn; }
 
-namespace {
-
-KrRxDynamicLinker* dynamicLinker() {
-  return sysRegistry ? static_cast<KrRxDynamicLinker*>(sysRegistry->at(L"DynamicLinker")) : nullptr;
-}
-
-}  // namespace
-
 KrRxObject* krrxRegisterService(const wchar_t* name) {
-  KrRxDynamicLinker* linker = dynamicLinker();
+  KrRxDynamicLinker* linker = KrRxImpDynamicLinker::registered();
   return linker ? linker->registerService(name, new KrRxService()) : nullptr;
 }
 
@@ -69,6 +62,6 @@ bool krrxServiceIsRegistered(const wchar_t* name) {
 }
 
 void* krrxGetServiceSymbolAddr(wchar_t* serviceName, char* symbolName) {
-  KrRxDynamicLinker* linker = dynamicLinker();
+  KrRxDynamicLinker* linker = KrRxImpDynamicLinker::registered();
   return linker ? linker->getSymbolAddress(serviceName, symbolName) : nullptr;
 }
