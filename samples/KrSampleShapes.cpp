@@ -29,19 +29,44 @@ class KrSampleCircle : public KrSampleShape {
   double mRadius = 1.0;
 };
 
+// A protocol: behaviour attached to a class from outside, found at run time
+// with queryX. Any class can be given a describer without changing it.
+class KrSampleDescriber : public KrRxObject {
+  KRRX_DECLARE_MEMBERS(KrSampleDescriber);
+
+ public:
+  virtual const wchar_t* describe(const KrRxObject* object) const = 0;
+};
+
+// The describer this module attaches to every shape (circles inherit it).
+class KrSampleShapeDescriber : public KrSampleDescriber {
+  KRRX_DECLARE_MEMBERS(KrSampleShapeDescriber);
+
+ public:
+  const wchar_t* describe(const KrRxObject*) const override { return L"a shape with an area"; }
+};
+
 KRRX_NO_CONS_DEFINE_MEMBERS(KrSampleShape, KrRxObject)
 KRRX_CONS_DEFINE_MEMBERS(KrSampleCircle, KrSampleShape)
+KRRX_NO_CONS_DEFINE_MEMBERS(KrSampleDescriber, KrRxObject)
+KRRX_CONS_DEFINE_MEMBERS(KrSampleShapeDescriber, KrSampleDescriber)
 
 namespace {
 
 const wchar_t kServiceName[] = L"SampleShapeService";
 KrRxObject* sService = nullptr;
+KrSampleShapeDescriber* sDescriber = nullptr;
 
 KrRx::AppRetCode initialise(void* self) {
   // Classes made now belong to this module; the hierarchy pass links them into the tree.
   KrSampleShape::rxInit();
   KrSampleCircle::rxInit();
+  KrSampleDescriber::rxInit();
+  KrSampleShapeDescriber::rxInit();
   krrxBuildClassHierarchy();
+  // Attached to the shape class, the describer answers queryX on every circle too.
+  sDescriber = new KrSampleShapeDescriber();
+  KrSampleShape::desc()->addX(KrSampleDescriber::desc(), sDescriber);
   sService = krrxRegisterService(kServiceName);
   // Every module starts locked; unlocking lets the user unload it by command.
   krrxUnlockApplication(self);
@@ -53,9 +78,13 @@ KrRx::AppRetCode unload() {
   auto* services = static_cast<KrRxDictionary*>(krrxSysRegistry()->at(L"ServiceDictionary"));
   if (services) services->remove(kServiceName);
   delete sService;
+  KrSampleShape::desc()->delX(KrSampleDescriber::desc());
+  delete sDescriber;
   // Classes can only be deleted while their module hears kAppMsgUnload; children first.
   deleteKrRxClass(KrSampleCircle::desc());
   deleteKrRxClass(KrSampleShape::desc());
+  deleteKrRxClass(KrSampleShapeDescriber::desc());
+  deleteKrRxClass(KrSampleDescriber::desc());
   return KrRx::kRetOK;
 }
 
