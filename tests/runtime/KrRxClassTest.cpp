@@ -298,6 +298,20 @@ TEST(KrRxClassTest, UnknownParentIsFatal) {
   KrRxImpClass::newClasses.count = 0;
 }
 
+TEST(KrRxClassTest, LinkingTwiceAndUnlinkingAStrangerAreFatal) {
+  KrRxClass* parent = makeClass(unique(L"Family"));
+  KrRxClass* child = makeClass(unique(L"Member"), parent->name());
+  std::wstring parentName = parent->name(), childName = child->name();
+  EXPECT_EQ(krAbortMessageOf([&] { child->impObj()->connect(sysClasses); }),
+            L"Class '" + parentName + L"' already contains a descendant called '" + childName + L"'.");
+  EXPECT_EQ(child->myParent(), parent) << "nothing changed";
+
+  ASSERT_TRUE(parent->impObj()->removeDescendant(child));
+  EXPECT_EQ(parent->descendants(), nullptr) << "the set goes with its last member";
+  EXPECT_EQ(krAbortMessageOf([&] { child->impObj()->disconnect(sysClasses); }),
+            L"Class '" + parentName + L"' does not contain a descendant called '" + childName + L"'.");
+}
+
 TEST(KrRxClassTest, DeletionQueuesUntilClearedAndTakesDescendantsFirst) {
   KrRxClass* parent = makeClass(unique(L"DeadParent"));
   KrRxClass* child = makeClass(unique(L"DeadChild"), parent->name());
