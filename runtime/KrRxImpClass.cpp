@@ -207,11 +207,8 @@ bool KrRxImpClass::removeDescendant(KrRxClass* cls) {
 
 namespace {
 
-struct DeleteRequest {
-  KrRxClass* cls;
-};
-
-void deleteInOwnContext(void* request) { KrRxImpClass::deleteClass(static_cast<DeleteRequest*>(request)->cls); }
+// Runs inside the owning module's context, where the descriptor is queued.
+void deleteInOwnContext(void* cls) { KrRxImpClass::deleteClass(static_cast<KrRxClass*>(cls)); }
 
 }  // namespace
 
@@ -223,13 +220,12 @@ void KrRxImpClass::deleteClass(KrRxClass* cls) {
     deletedClasses.append(imp);
     return;
   }
-  DeleteRequest request = {cls};
   if (imp->mpModule) {
-    imp->mpModule->executeInAppContext(deleteInOwnContext, &request);
+    imp->mpModule->executeInAppContext(deleteInOwnContext, cls);
     return;
   }
   KrRxGenHand* resumed = KrRxGenHand::setCurModule(nullptr);
-  deleteInOwnContext(&request);
+  deleteInOwnContext(cls);
   KrRxGenHand::setCurModule(resumed);
 }
 
