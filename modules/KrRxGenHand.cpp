@@ -14,10 +14,12 @@
 #include "krrxservice.h"
 #include "krrxsystem.h"
 #include "modules/KrRxGuardedCall.h"
+#include "modules/KrRxImpDynamicLinker.h"
 #include "modules/KrRxPeImports.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxGrowArray.h"
 #include "runtime/KrRxImpClass.h"
+#include "system/KrRxServiceDictionary.h"
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxGenHand, KrRxGenVoid)
 
@@ -50,7 +52,7 @@ class CurrentModuleScope {
 };
 
 KrRxDictionary* newAppDataDictionary() {
-  auto* services = sysRegistry ? static_cast<KrRxDictionary*>(sysRegistry->at(L"ServiceDictionary")) : nullptr;
+  KrRxDictionary* services = krrxServiceDictionary();
   auto* kernel = services ? static_cast<KrRxKernel*>(services->at(L"KernelServices")) : nullptr;
   return kernel ? kernel->newKrRxDictionary(false, false) : nullptr;
 }
@@ -271,7 +273,7 @@ bool krrxRemoveAppData(const wchar_t* key, KrRxObject*) {
 }
 
 KrRxObject* krrxGetAppData(const wchar_t* key, const wchar_t* moduleName) {
-  auto* linker = sysRegistry ? static_cast<KrRxDynamicLinker*>(sysRegistry->at(L"DynamicLinker")) : nullptr;
+  KrRxDynamicLinker* linker = KrRxImpDynamicLinker::registered();
   auto* module = linker ? static_cast<KrRxGenHand*>(linker->moduleHandlePtr(moduleName)) : nullptr;
   return module && module->dictionary() ? module->dictionary()->at(key) : nullptr;
 }

@@ -29,6 +29,7 @@
 #include "runtime/KrRxImpClass.h"
 #include "runtime/KrRxImpDictionary.h"
 #include "runtime/KrRxImpSet.h"
+#include "system/KrRxServiceDictionary.h"
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxImpDynamicLinker, KrRxDynamicLinker)
 
@@ -211,7 +212,7 @@ KrRxImpDynamicLinker::~KrRxImpDynamicLinker() {
 
 KrRxObject* KrRxImpDynamicLinker::registerService(const wchar_t* serviceName, KrRxService* service) {
   if (KrRxGenHand* module = KrRxGenHand::curModule()) service->setSysInfo(module);
-  KrRxDictionary* services = static_cast<KrRxDictionary*>(sysRegistry->at(L"ServiceDictionary"));
+  KrRxDictionary* services = krrxServiceDictionary();
   if (services->atPut(serviceName, service)) krrx_abort(L"ERROR: %ls service already registered", serviceName);
   return service;
 }

@@ -8,9 +8,9 @@
 #include "krrxdictionary.h"
 #include "krrxdynamiclinker.h"
 #include "krrxgenhand.h"
-#include "krrxsystem.h"
 #include "modules/KrRxImpDynamicLinker.h"
 #include "runtime/KrRxCoreClass.h"
+#include "system/KrRxServiceDictionary.h"
 
 // The private record of a service.
 struct KrRxServiceData {
@@ -57,7 +57,7 @@ KrRxObject* krrxRegisterService(const wchar_t* name) {
 }
 
 bool krrxServiceIsRegistered(const wchar_t* name) {
-  auto* services = sysRegistry ? static_cast<KrRxDictionary*>(sysRegistry->at(L"ServiceDictionary")) : nullptr;
+  KrRxDictionary* services = krrxServiceDictionary();
   return services && services->at(name);
 }
 

@@ -21,6 +21,7 @@
 #include "runtime/KrRxImpDictionaryIterator.h"
 #include "runtime/KrRxImpSet.h"
 #include "system/KrRxImpKernel.h"
+#include "system/KrRxServiceDictionary.h"
 
 KrRxDictionary* sysRegistry = nullptr;
 KrRxDictionary* sysClasses = nullptr;
@@ -201,6 +202,10 @@ void krrxKillSystem() {
   delete sysRegistry;
   sysRegistry = nullptr;
   KrRxImpClass::releaseGlobalTables();
+}
+
+KrRxDictionary* krrxServiceDictionary() {
+  return sysRegistry ? static_cast<KrRxDictionary*>(sysRegistry->at(L"ServiceDictionary")) : nullptr;
 }
 
 KrRxDictionary* krrxSysRegistry() { return sysRegistry; }
