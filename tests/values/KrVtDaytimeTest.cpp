@@ -248,17 +248,4 @@ TEST(KrVtDayValue, ZoneOffsetsFollowTheirFormulas) {
   EXPECT_TRUE(isUnset(stillUnset));
 }
 
-TEST(KrVtDayValue, ArithmeticGivesUnsetWhereNotDefined) {
-  EXPECT_EQ(difference(2460385.5, 2460380.25), 5.25);
-  EXPECT_EQ(difference(-2460385.5, -2460380.25), 5.25);
-  EXPECT_TRUE(isUnset(difference(-2460385.5, 2460380.25)));
-  EXPECT_EQ(addDays(-10.5, 2), -12.5);
-  EXPECT_EQ(addDays(10.5, -2), 8.5);
-  EXPECT_TRUE(isUnset(addDays(-1.5, -2)));
-  EXPECT_EQ(scaled(-3.0, 2), -6.0);
-  EXPECT_TRUE(isUnset(scaled(3.0, -1)));
-  EXPECT_EQ(divided(-3.0, 2), -1.5);
-  EXPECT_TRUE(isUnset(divided(3.0, -2)));
-}
-
 }  // namespace

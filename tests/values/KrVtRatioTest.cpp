@@ -1,5 +1,4 @@
-// Ratios as fractions, and the text forms of percentages, permille and
-// currency.
+// Ratios as fractions: the bounded continued-fraction search.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +9,6 @@
 #include <string>
 
 #include "values/KrVtFraction.h"
-#include "values/KrVtNumberText.h"
 
 namespace {
 
@@ -166,72 +164,6 @@ TEST(KrVtFraction, RandomValuesGetTheBestBoundedFraction) {
     ++differing;
   }
   EXPECT_LT(differing + overflowing, 1500);
-}
-
-std::wstring written(Kesu::ErrorStatus status, wchar_t* text) {
-  std::wstring result = status == Kesu::eOk && text ? text : L"<status " + std::to_wstring(status) + L">";
-  free(text);
-  return result;
-}
-
-std::wstring percentageText(double v) {
-  wchar_t* text = nullptr;
-  Kesu::ErrorStatus status = KrVtNumberText::unitsToText(v, 100, L"%ld%%", text);
-  return written(status, text);
-}
-
-std::wstring permilleText(double v) {
-  wchar_t* text = nullptr;
-  Kesu::ErrorStatus status = KrVtNumberText::unitsToText(v, 1000, L"%ld\u2030", text);
-  return written(status, text);
-}
-
-std::wstring currencyText(double v) {
-  wchar_t* text = nullptr;
-  Kesu::ErrorStatus status = KrVtNumberText::floatToText(v, L"%.02f", text);
-  return written(status, text);
-}
-
-TEST(KrVtNumberText, UnitsPerWholeRoundHalfAwayFromZero) {
-  EXPECT_EQ(percentageText(0.125), L"13%");
-  EXPECT_EQ(percentageText(-0.125), L"-13%");
-  EXPECT_EQ(percentageText(0.5), L"50%");
-  EXPECT_EQ(permilleText(0.0125), L"13\u2030");
-  EXPECT_EQ(permilleText(1.5), L"1500\u2030");
-}
-
-TEST(KrVtNumberText, UnitsPerWholeReadWithOrWithoutTheirSign) {
-  for (const wchar_t* text : {L"13%", L"13", L" 13 %", L"13%%"}) {
-    double v = -1;
-    EXPECT_EQ(KrVtNumberText::unitsFromText(v, 100, L"%ld%%", text), Kesu::eOk) << text;
-    EXPECT_EQ(v, 0.13) << text;
-  }
-  double v = -1;
-  EXPECT_EQ(KrVtNumberText::unitsFromText(v, 1000, L"%ld\u2030", L"13\u2030"), Kesu::eOk);
-  EXPECT_EQ(v, 0.013);
-  for (const wchar_t* text : {L"", L"%", L"*", L"abc", L"\u221E"})
-    EXPECT_EQ(KrVtNumberText::unitsFromText(v, 100, L"%ld%%", text), Kesu::eInvalidInput) << text;
-  EXPECT_EQ(KrVtNumberText::unitsFromText(v, 100, L"%ld%%", nullptr), Kesu::eInvalidInput);
-  EXPECT_EQ(v, 0.013);
-}
-
-TEST(KrVtNumberText, CurrencyHasTwoDecimalsAndTheSpecialTexts) {
-  EXPECT_EQ(currencyText(1234.5), L"1234.50");
-  EXPECT_EQ(currencyText(-2.5), L"-2.50");
-  EXPECT_EQ(currencyText(12345678901.0), L"12345678901.00");
-  EXPECT_EQ(currencyText(std::nan("")), L"*");
-  EXPECT_EQ(currencyText(HUGE_VAL), L"\u221E");
-  EXPECT_EQ(currencyText(-HUGE_VAL), L"-\u221E");
-  double v = 0;
-  EXPECT_EQ(KrVtNumberText::floatFromText(v, L"-\u221E"), Kesu::eOk);
-  EXPECT_EQ(v, -HUGE_VAL);
-  EXPECT_EQ(KrVtNumberText::floatFromText(v, L"*"), Kesu::eOk);
-  EXPECT_TRUE(std::isnan(v));
-  EXPECT_EQ(KrVtNumberText::floatFromText(v, L"1234.567"), Kesu::eOk);
-  EXPECT_EQ(v, 1234.567);
-  EXPECT_EQ(KrVtNumberText::floatFromText(v, L"dollars"), Kesu::eInvalidInput);
-  EXPECT_EQ(KrVtNumberText::floatFromText(v, nullptr), Kesu::eInvalidInput);
-  EXPECT_EQ(v, 1234.567);
 }
 
 }  // namespace
