@@ -7,7 +7,13 @@
 #include "kesuappregistry.h"
 #include "krrxclass.h"
 #include "krrxcopyonwrite.h"
+#include "krrfarray.h"
+#include "krrfproxy.h"
+#include "krrfrangecheck.h"
+#include "krrfvalue.h"
 #include "krrxdictionary.h"
+#include "krrxformatcontext.h"
+#include "krrxformattable.h"
 #include "krrxgenhand.h"
 #include "krrxiterator.h"
 #include "krrxlinkedlist.h"
@@ -22,6 +28,7 @@
 #include "runtime/KrRxImpSet.h"
 #include "system/KrRxImpKernel.h"
 #include "system/KrRxServiceDictionary.h"
+#include "values/KrVtValueClasses.h"
 
 KrRxDictionary* sysRegistry = nullptr;
 KrRxDictionary* sysClasses = nullptr;
@@ -102,21 +109,21 @@ const LibraryClass kLibraryClasses[] = {
     KR_NAMED(KrRfPropertyDerivationPE, KrRxObject),
     KR_NAMED(KrRfArrayPropertyDetailsPE, KrRxObject),
     KR_NAMED(KrRfArrayPropertyDerivationPE, KrRxObject),
-    KR_NAMED(KrRfProxyInterfacePE, KrRxObject),
-    KR_NAMED(KrRfValue, KrRxObject),
-    KR_NAMED(KrRfNumber, KrRfValue),
-    KR_NAMED(KrRfValuePointer, KrRfPointer),
-    KR_NAMED(KrRfProxy, KrRxObject),
-    KR_NAMED(KrRfReference, KrRfProxy),
-    KR_NAMED(KrRfPointer, KrRfProxy),
-    KR_NAMED(KrRxObjectPointer, KrRfPointer),
-    KR_NAMED(KrRxClassPointer, KrRxObjectPointer),
-    KR_NAMED(KrRfArray, KrRxObject),
-    KR_NAMED(KrRfRangeCheckPE, KrRxObject),
-    KR_NAMED(KrRxFormatContext, KrRxObject),
-    KR_NAMED(KrRxNumberFormat, KrRxObject),
-    KR_NAMED(KrRxNumberFormat2, KrRxNumberFormat),
-    KR_NAMED(KrRxFormattablePE, KrRxObject),
+    KR_CLASS(KrRfProxyInterfacePE),
+    KR_CLASS(KrRfValue),
+    KR_CLASS(KrRfNumber),
+    KR_CLASS(KrRfValuePointer),
+    KR_CLASS(KrRfProxy),
+    KR_CLASS(KrRfReference),
+    KR_CLASS(KrRfPointer),
+    KR_CLASS(KrRxObjectPointer),
+    KR_CLASS(KrRxClassPointer),
+    KR_CLASS(KrRfArray),
+    KR_CLASS(KrRfRangeCheckPE),
+    KR_CLASS(KrRxFormatContext),
+    KR_CLASS(KrRxNumberFormat),
+    KR_CLASS(KrRxNumberFormat2),
+    KR_CLASS(KrRxFormattablePE),
     KR_NAMED(KrRxProtocolReactor, KrRxObject),
     KR_NAMED(KrRxProtocolReactorIterator, KrRxIterator),
     KR_NAMED(KrRxImpProtocolReactorIterator, KrRxProtocolReactorIterator),
@@ -183,6 +190,7 @@ void krrxInitSystem() {
   sDynamicLinker->registerService(L"KernelServices", sKernel);
   sReactorManagerFactory = new KrRxImpProtocolReactorManagerFactory();
   sDynamicLinker->registerService(L"ProtocolReactorManager", sReactorManagerFactory);
+  krvtInitValueClasses();
   sReflectionService = new KrRfImpReflectionService();
   sDynamicLinker->registerService(L"ReflectionServices", sReflectionService);
 }
@@ -191,6 +199,7 @@ void krrxKillSystem() {
   KrRxGenHand::setCurModule(nullptr);
   KrRxGenHand::mCurMsgCode = KrRx::kNullMsg;
   removeAndDelete(sServiceDictionary, L"ReflectionServices", sReflectionService);
+  krvtKillValueClasses();
   removeAndDelete(sServiceDictionary, L"ProtocolReactorManager", sReactorManagerFactory);
   removeAndDelete(sServiceDictionary, L"KernelServices", sKernel);
   sysKernel = nullptr;

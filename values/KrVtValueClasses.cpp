@@ -1,0 +1,123 @@
+// The value-type classes of the library, in the order they are registered,
+// and what is attached to them.
+
+#include "values/KrVtValueClasses.h"
+
+#include "foundation/KrRxTextStringFormattable.h"
+#include "krrfarray.h"
+#include "krrfproxy.h"
+#include "krrfrangecheck.h"
+#include "krrfvalue.h"
+#include "krrxdictionary.h"
+#include "krrxsystem.h"
+#include "krrxtextstring.h"
+#include "krvtcurrency.h"
+#include "krvtdaytime.h"
+#include "krvtratio.h"
+#include "runtime/KrRxImpClass.h"
+#include "values/KrVtNumberFormattable.h"
+
+namespace {
+
+// The registration of each value class, in order. The date, time and ratio
+// classes come first: the values below name them as parents.
+typedef void (*RxInit)();
+
+const RxInit kValueClasses[] = {
+    &KrVtRatio::rxInit,
+    &KrVtDaytime::rxInit,
+    &KrVtDateTime::rxInit,
+    &KrVtDate::rxInit,
+    &KrVtTime::rxInit,
+    &KrVtBool::rxInit,
+    &KrVtInt8::rxInit,
+    &KrVtInt16::rxInit,
+    &KrVtInt32::rxInit,
+    &KrVtInt64::rxInit,
+    &KrVtUInt8::rxInit,
+    &KrVtUInt16::rxInit,
+    &KrVtUInt32::rxInit,
+    &KrVtUInt64::rxInit,
+    &KrVtFloat32::rxInit,
+    &KrVtFloat64::rxInit,
+    &KrVtChar::rxInit,
+    &KrVtPercentage::rxInit,
+    &KrVtPermille::rxInit,
+    &KrVtCurrency::rxInit,
+    [] { KrVtFloat64Array::rxInit(L"KrRfArray"); },
+    [] { KrVtPercentageArray::rxInit(L"KrVtFloat64Array"); },
+    [] { KrVtCurrencyArray::rxInit(L"KrVtFloat64Array"); },
+    [] { KrVtDateTimeArray::rxInit(L"KrVtFloat64Array"); },
+};
+
+// The formattables made at start-up, by the class they are attached to.
+struct Formattable {
+  KrRxClass* (*cls)();
+  KrRxFormattablePE* (*make)();
+};
+
+template <typename F>
+KrRxFormattablePE* make() {
+  return new F();
+}
+
+const Formattable kFormattables[] = {
+    {&KrVtBool::desc, make<KrVtBoolFormattable>},
+    {&KrVtUInt8::desc, make<KrVtUInt8Formattable>},
+    {&KrVtInt8::desc, make<KrVtInt8Formattable>},
+    {&KrVtUInt16::desc, make<KrVtUInt16Formattable>},
+    {&KrVtInt16::desc, make<KrVtInt16Formattable>},
+    {&KrVtUInt32::desc, make<KrVtUInt32Formattable>},
+    {&KrVtInt32::desc, make<KrVtInt32Formattable>},
+    {&KrVtUInt64::desc, make<KrVtUInt64Formattable>},
+    {&KrVtInt64::desc, make<KrVtInt64Formattable>},
+    {&KrVtFloat64::desc, make<KrVtFloat64Formattable>},
+    {&KrRxTextString::desc, make<KrRxTextStringFormattable>},
+    {&KrVtPermille::desc, make<KrVtPermilleFormattable>},
+    {&KrVtPercentage::desc, make<KrVtPercentageFormattable>},
+    {&KrVtRatio::desc, make<KrVtRatioFormattable>},
+    {&KrVtCurrency::desc, make<KrVtCurrencyFormattable>},
+    {&KrVtDateTime::desc, make<KrVtDateTimeFormattable>},
+    {&KrVtDate::desc, make<KrVtDateFormattable>},
+    {&KrVtTime::desc, make<KrVtTimeFormattable>},
+};
+
+// The classes whose formattables shutdown removes, in its order.
+const wchar_t* const kFormattableClassesAtShutdown[] = {
+    L"KrRfPointer", L"KrRxClass",      L"KrVtBool",   L"KrVtUInt8",    L"KrVtInt8",
+    L"KrVtUInt16",  L"KrVtInt16",      L"KrVtUInt32", L"KrVtInt32",    L"KrVtUInt64",
+    L"KrVtInt64",   L"KrVtFloat64",    L"KrRxTextString", L"KrVtPermille", L"KrVtPercentage",
+    L"KrVtRatio",   L"KrVtCurrency",   L"KrVtDateTime", L"KrVtDate",   L"KrVtTime",
+};
+
+// The value classes in the order shutdown deletes them.
+const wchar_t* const kValueClassesAtShutdown[] = {
+    L"KrVtBool",     L"KrVtInt8",         L"KrVtInt16",           L"KrVtInt32",         L"KrVtInt64",
+    L"KrVtUInt8",    L"KrVtUInt16",       L"KrVtUInt32",          L"KrVtUInt64",        L"KrVtFloat32",
+    L"KrVtFloat64",  L"KrVtChar",         L"KrVtRatio",           L"KrVtPercentage",    L"KrVtPermille",
+    L"KrVtCurrency", L"KrVtDaytime",      L"KrVtDateTime",        L"KrVtDate",          L"KrVtTime",
+    L"KrVtFloat64Array", L"KrVtPercentageArray", L"KrVtCurrencyArray", L"KrVtDateTimeArray",
+};
+
+// Detaches the class's own object for protocolClass and deletes it.
+void deleteExtension(const wchar_t* className, const KrRxClass* protocolClass) {
+  if (KrRxClass* cls = krrxFindKrRxClass(className)) delete cls->delX(protocolClass);
+}
+
+}  // namespace
+
+void krvtInitValueClasses() {
+  for (RxInit rxInit : kValueClasses) rxInit();
+  KrRxImpClass::connectNewClasses(sysClasses);
+  KrRfNumber::desc()->addX(KrRfRangeCheckPE::desc(), new KrRfNumberRangeCheckPE());
+  for (const Formattable& entry : kFormattables) entry.cls()->addX(KrRxFormattablePE::desc(), entry.make());
+}
+
+void krvtKillValueClasses() {
+  deleteExtension(L"KrRfNumber", KrRfRangeCheckPE::desc());
+  for (const wchar_t* name : kFormattableClassesAtShutdown) deleteExtension(name, KrRxFormattablePE::desc());
+  deleteExtension(L"KrRfProxy", KrRfProxyInterfacePE::desc());
+  for (const wchar_t* name : kValueClassesAtShutdown)
+    if (KrRxClass* cls = krrxFindKrRxClass(name)) KrRxImpClass::deleteClass(cls);
+  KrRxImpClass::clearDeletedClassesArray();
+}
