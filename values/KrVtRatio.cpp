@@ -1,9 +1,9 @@
 #include "krvtratio.h"
 
+#include <cmath>
 #include <cstdio>
 
 #include "values/KrVtFraction.h"
-#include "values/KrVtNumberText.h"
 #include "values/KrVtText.h"
 #include "values/KrVtValueClass.h"
 
@@ -59,18 +59,22 @@ namespace {
 const wchar_t kPercentFormat[] = L"%ld%%";
 const wchar_t kPermilleFormat[] = L"%ld\u2030";
 
+// The ratio as a count of units per whole, rounded half away from zero.
 template <typename Units>
 Kesu::ErrorStatus unitsToText(const KrRxObject* object, const wchar_t* format, wchar_t*& text) {
   const Units* units = Units::cast(object);
   if (!units) return Kesu::eInvalidInput;
-  return KrVtNumberText::unitsToText(units->value(), Units::kUnitsPerWhole, format, text);
+  return KrVtText::printText(text, format, std::lround(units->value() * Units::kUnitsPerWhole));
 }
 
+// Only the count must be read: the unit sign after it is optional.
 template <typename Units>
 Kesu::ErrorStatus unitsFromText(KrRxObject* object, const wchar_t* format, const wchar_t* text) {
   Units* units = Units::cast(object);
-  if (!units) return Kesu::eInvalidInput;
-  return KrVtNumberText::unitsFromText(units->value(), Units::kUnitsPerWhole, format, text);
+  long count = 0;
+  if (!units || !text || __ms_swscanf(text, format, &count) < 1) return Kesu::eInvalidInput;
+  units->value() = double(count) / Units::kUnitsPerWhole;
+  return Kesu::eOk;
 }
 
 }  // namespace
