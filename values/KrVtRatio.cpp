@@ -12,12 +12,7 @@ KRVT_DEFINE_VALUE_MEMBERS(KrVtPercentage, KrVtRatio)
 KRVT_DEFINE_VALUE_MEMBERS(KrVtPermille, KrVtRatio)
 
 Kesu::ErrorStatus KrVtRatio::toFraction(__int64& numerator, unsigned __int64& denominator) const {
-  int64_t n = numerator;
-  uint64_t d = denominator;
-  Kesu::ErrorStatus status = KrVtFraction::best(mValue, n, d);
-  numerator = n;
-  denominator = d;
-  return status;
+  return KrVtFraction::best(mValue, numerator, denominator);
 }
 
 Kesu::ErrorStatus KrVtRatio::fromFraction(__int64 numerator, unsigned __int64 denominator) {
