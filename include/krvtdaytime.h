@@ -123,12 +123,15 @@ static_assert(sizeof(KrVtDateTime) == sizeof(KrVtFloat64), "a day value adds no 
 
 // The text forms, attached at start-up as the classes' formattables. All
 // write "*" for the unset value and U+221E for +infinity and read them back.
-// Reading a date or a time makes a fresh value: a Z or z after the last
-// number read makes it universal; dates take any separator from space to
-// slash, times ':' or space, and '.', ',', '\'' or space before the fraction
-// digits, which count by their value (".5" and ".05" are 500 ms, four or more
-// digits give 0). Reading a date-time keeps the target's zone. Texts that do
-// not scan, a null text or an object of another class give eInvalidInput.
+// Reading a date or a time makes a fresh value of the numbers read: a Z or z
+// where a separator may stand ends the numbers there and makes the value
+// universal, and parts not read default to month and day 1, or to zero for a
+// time. Dates take any separator from space to slash; times ':' or space, and
+// '.', ',', '\'' or space before the fraction digits, which count by their
+// value (".5" and ".05" are 500 ms, four or more digits give 0). Reading a
+// date-time keeps the target's zone (and an unset target stays unset). Texts
+// that do not scan, a null text or an object of another class give
+// eInvalidInput.
 class KR1ST_API KrVtDateFormattable : public KrRxFormattablePE {
  public:
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;
