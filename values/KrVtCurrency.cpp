@@ -1,7 +1,7 @@
 #include "krvtcurrency.h"
 
 #include "values/KrVtText.h"
-#include "values/KrVtValueClass.h"
+#include "values/KrVtValueMembers.h"
 
 KRVT_DEFINE_VALUE_MEMBERS(KrVtCurrency, KrVtFloat64)
 

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "values/KrVtDayValue.h"
-#include "values/KrVtValueClass.h"
+#include "values/KrVtValueMembers.h"
 
 KRVT_DEFINE_VALUE_MEMBERS(KrVtDaytime, KrVtFloat64)
 KRVT_DEFINE_VALUE_MEMBERS(KrVtDate, KrVtDaytime)

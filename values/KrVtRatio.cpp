@@ -5,7 +5,7 @@
 
 #include "values/KrVtFraction.h"
 #include "values/KrVtText.h"
-#include "values/KrVtValueClass.h"
+#include "values/KrVtValueMembers.h"
 
 KRVT_DEFINE_VALUE_MEMBERS(KrVtRatio, KrVtFloat64)
 KRVT_DEFINE_VALUE_MEMBERS(KrVtPercentage, KrVtRatio)
