@@ -32,3 +32,6 @@
 #include "krrxtextstring.h"
 #include "krstring.h"
 #include "kruniquestring.h"
+#include "krvtcurrency.h"
+#include "krvtdaytime.h"
+#include "krvtratio.h"
