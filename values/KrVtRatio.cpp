@@ -37,12 +37,12 @@ Kesu::ErrorStatus KrVtRatioFormattable::fromText(KrRxObject* object, const wchar
   if (!ratio || !text) return Kesu::eInvalidInput;
   __int64 numerator = 0;
   unsigned __int64 denominator = 0;
-  int read = __ms_swscanf(text, L"%lld : %llu", &numerator, &denominator);
+  int read = __mingw_swscanf(text, L"%lld : %llu", &numerator, &denominator);
   if (read <= 0) return Kesu::eInvalidInput;
   if (read == 2) return ratio->fromFraction(numerator, denominator);
   // One number: the text is read again as a double (1.0 when that fails).
   double single = 1.0;
-  __ms_swscanf(text, L"%lf", &single);
+  __mingw_swscanf(text, L"%lf", &single);
   ratio->fromDouble(single);
   return Kesu::eOk;
 }
@@ -67,7 +67,7 @@ template <typename Units>
 Kesu::ErrorStatus unitsFromText(KrRxObject* object, const wchar_t* format, const wchar_t* text) {
   Units* units = Units::cast(object);
   long count = 0;
-  if (!units || !text || __ms_swscanf(text, format, &count) < 1) return Kesu::eInvalidInput;
+  if (!units || !text || __mingw_swscanf(text, format, &count) < 1) return Kesu::eInvalidInput;
   units->value() = double(count) / Units::kUnitsPerWhole;
   return Kesu::eOk;
 }

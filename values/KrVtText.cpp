@@ -40,14 +40,14 @@ Kesu::ErrorStatus printText(wchar_t*& text, const wchar_t* format, ...) {
   va_list args, counting;
   va_start(args, format);
   va_copy(counting, args);
-  int length = _vscwprintf(format, counting);
+  int length = __mingw_vsnwprintf(nullptr, 0, format, counting);
   va_end(counting);
   Kesu::ErrorStatus status = Kesu::eInvalidInput;
   if (length > 0) {
     wchar_t* block = static_cast<wchar_t*>(malloc((size_t(length) + 1) * sizeof(wchar_t)));
     status = Kesu::eOutOfMemory;
     if (block) {
-      _vsnwprintf(block, size_t(length) + 1, format, args);
+      __mingw_vsnwprintf(block, size_t(length) + 1, format, args);
       text = block;
       status = Kesu::eOk;
     }
@@ -65,7 +65,7 @@ Kesu::ErrorStatus doubleFromText(double& v, const wchar_t* text) {
   if (!text) return Kesu::eInvalidInput;
   if (readSpecialText(text, kWithNegativeInfinity, v)) return Kesu::eOk;
   double read = 0;
-  if (__ms_swscanf(text, L"%lf", &read) != 1) return Kesu::eInvalidInput;
+  if (__mingw_swscanf(text, L"%lf", &read) != 1) return Kesu::eInvalidInput;
   v = read;
   return Kesu::eOk;
 }

@@ -1,8 +1,14 @@
 #pragma once
 // Text helpers shared by the value types' text forms: the special texts of
-// the floating kinds, and printing and scanning with the C runtime's own
-// wide printf and scanf, whose rules the formats are written for. Texts are
-// written into new CRT heap blocks that the caller frees with free().
+// the floating kinds, and printing into new CRT heap blocks that the caller
+// frees with free().
+//
+// Which wide printf and scanf: the formats are written for the Windows C
+// runtime's current rules. MinGW's C99 functions (__mingw_*) follow them for
+// "%hhd" (msvcrt's own scanf stores two bytes there) and for two-digit
+// exponents, so printing and the number scans use those. The date and time
+// scans, whose scansets must store wide characters as Windows' wide scanf
+// does, use msvcrt's own __ms_swscanf; none of their formats has "%hh".
 
 #include "krerrorstatus.h"
 
