@@ -82,14 +82,21 @@ class KR1ST_API KrRxObject : public KrHeapOperators {
   // The protocol object for this object's class; reports a fatal error when none.
   KrRxObject* x(const KrRxClass* protocolClass) const;
   // The protocol object for this object's class (through any active overrule), or null.
-  KrRxObject* queryX(const KrRxClass* protocolClass) const;
+  inline KrRxObject* queryX(const KrRxClass* protocolClass) const;
 
   static KrRxClass* desc();
   static KrRxObject* cast(KrRxObject* obj) { return obj; }
   static const KrRxObject* cast(const KrRxObject* obj) { return obj; }
 
   friend class KrRxQueryXOverrule;
+
+ private:
+  // queryX while overruling is on: the first applicable query overrule, else the plain lookup.
+  KrRxObject* overruledQueryX(const KrRxClass* protocolClass) const;
 };
 
 // The descriptor of the class of that name in the class dictionary, or null.
 KR1ST_API KrRxClass* krrxFindKrRxClass(const wchar_t* name);
+
+// queryX reads the overrule switch inline, so its definition comes with the overrules.
+#include "krrxoverrule.h"

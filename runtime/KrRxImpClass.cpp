@@ -10,6 +10,8 @@
 #include "krrxdictionary.h"
 #include "krrxgenhand.h"
 #include "krrxiterator.h"
+#include "krrxoverrule.h"
+#include "krrxprotocolreactor.h"
 #include "krrxset.h"
 #include "krrxsystem.h"
 #include "runtime/KrRxImpSet.h"
@@ -24,7 +26,7 @@ static_assert(offsetof(KrRxImpClass, mpModule) == 16 && offsetof(KrRxImpClass, m
                   offsetof(KrRxImpClass, mpMemberBuilderData) == 80 &&
                   offsetof(KrRxImpClass, mProtocolIndex) == 88 && offsetof(KrRxImpClass, mpPeTable) == 96 &&
                   offsetof(KrRxImpClass, mExtensions) == 104 && offsetof(KrRxImpClass, mUiContexts) == 128 &&
-                  offsetof(KrRxImpClass, mpInfo) == 152,
+                  offsetof(KrRxImpClass, mpInfo) == 152 && offsetof(KrRxImpClass, mpReactorManager) == 160,
               "descriptor implementation fields in their fixed order");
 
 KrRxGrowArray<KrRxImpClass*> KrRxImpClass::newClasses;
@@ -64,7 +66,8 @@ KrRxImpClass::KrRxImpClass(KrRxClass* owner, const wchar_t* name, const wchar_t*
       mpMemberBuilderData(memberBuilderData),
       mProtocolIndex(0),
       mpPeTable(nullptr),
-      mpInfo(&sEmptyInfo) {
+      mpInfo(&sEmptyInfo),
+      mpReactorManager(nullptr) {
   newClasses.append(this);
 }
 
@@ -74,6 +77,9 @@ KrRxImpClass::~KrRxImpClass() {
   for (int32_t i = 0; i < newClasses.count; ++i)
     if (newClasses.data[i] == this) newClasses.data[i] = nullptr;
   if (mProtocolIndex > 0) protocolClasses.data[mProtocolIndex] = nullptr;
+  delete mpReactorManager;
+  // The overrule list the library attached to this class goes with it.
+  delete ownX(KrRxOverruleInternals::desc());
   if (mpInfo != &sEmptyInfo) {
     __krFree(mpInfo->appName);
     __krFree(mpInfo->dxfName);
@@ -376,6 +382,12 @@ KrRxObject* KrRxImpClass::delX(const KrRxClass* protocolClass) {
   mExtensions.removeAt(position);
   updateTables(protocolClass, inheritedEntry(index));
   return previous;
+}
+
+KrRxObject* KrRxImpClass::ownX(const KrRxClass* protocolClass) const {
+  bool found;
+  int32_t position = findExtension(protocolClass, found);
+  return found ? mExtensions.data[position].object : nullptr;
 }
 
 KrRxObject* KrRxImpClass::lookupX(const KrRxClass* protocolClass) const {

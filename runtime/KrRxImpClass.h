@@ -10,6 +10,7 @@
 
 class KrRxGenHand;
 class KrRxDictionary;
+class KrRxProtocolReactorManager;
 
 // Class information, made only when some of it is non-zero or non-null.
 struct KrRxClassInfo {
@@ -76,6 +77,8 @@ class KR1ST_API KrRxImpClass {
   KrRxObject* delX(const KrRxClass* protocolClass);
   // The table entry for protocolClass, or null.
   KrRxObject* lookupX(const KrRxClass* protocolClass) const;
+  // This class's own attachment for protocolClass (not an inherited one), or null.
+  KrRxObject* ownX(const KrRxClass* protocolClass) const;
 
   const KrRxClassInfo* info() const { return mpInfo; }
   // The application name under which the class's module registers it: the
@@ -102,6 +105,8 @@ class KR1ST_API KrRxImpClass {
   KrRxGrowArray<KrRxProtocolExtension> mExtensions;
   KrRxGrowArray<EditCMInfo> mUiContexts;
   KrRxClassInfo* mpInfo;
+  // The class's protocol reactors, made on first request and deleted with the descriptor.
+  KrRxProtocolReactorManager* mpReactorManager;
 
  private:
   static KrRxImpClass* impOf(const KrRxClass* cls) { return cls->impObj(); }

@@ -56,7 +56,11 @@ KrRxObject* KrRxObject::x(const KrRxClass* protocolClass) const {
   return object;
 }
 
-KrRxObject* KrRxObject::queryX(const KrRxClass* protocolClass) const { return subQueryX(protocolClass); }
+KrRxObject* KrRxObject::overruledQueryX(const KrRxClass* protocolClass) const {
+  const KrRxOverrule* chosen = KrRxOverruleInternals::queryOverrule(this, KrRxQueryXOverrule::desc());
+  return chosen ? static_cast<const KrRxQueryXOverrule*>(chosen)->queryX(this, protocolClass)
+                : subQueryX(protocolClass);
+}
 
 KrRxClass* krrxFindKrRxClass(const wchar_t* name) {
   return sysClasses ? static_cast<KrRxClass*>(sysClasses->at(name)) : nullptr;

@@ -1,5 +1,6 @@
 // shapes.krx: a sample module that adds a small class family and a service
-// to the runtime while it is loaded.
+// to the runtime while it is loaded, overrules the protocol lookup for large
+// shapes and attaches a protocol reactor to the shape class.
 //
 // A module exports two functions, krrxGetApiVersion and krrxEntryPoint. The
 // runtime loads it in two steps: it first maps the file without running any
@@ -10,7 +11,7 @@
 
 #include "kr1st.h"
 
-// An abstract shape and one concrete kind. Each class carries the run-time
+// An abstract shape and two concrete kinds. Each class carries the run-time
 // type members (desc, isA, cast, rxInit) that the KRRX_ macros supply.
 class KrSampleShape : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrSampleShape);
@@ -29,6 +30,16 @@ class KrSampleCircle : public KrSampleShape {
   double mRadius = 1.0;
 };
 
+class KrSampleSquare : public KrSampleShape {
+  KRRX_DECLARE_MEMBERS(KrSampleSquare);
+
+ public:
+  double area() const override { return mSide * mSide; }
+
+ private:
+  double mSide = 20.0;
+};
+
 // A protocol: behaviour attached to a class from outside, found at run time
 // with queryX. Any class can be given a describer without changing it.
 class KrSampleDescriber : public KrRxObject {
@@ -38,7 +49,7 @@ class KrSampleDescriber : public KrRxObject {
   virtual const wchar_t* describe(const KrRxObject* object) const = 0;
 };
 
-// The describer this module attaches to every shape (circles inherit it).
+// The describer this module attaches to every shape (circles and squares inherit it).
 class KrSampleShapeDescriber : public KrSampleDescriber {
   KRRX_DECLARE_MEMBERS(KrSampleShapeDescriber);
 
@@ -46,27 +57,89 @@ class KrSampleShapeDescriber : public KrSampleDescriber {
   const wchar_t* describe(const KrRxObject*) const override { return L"a shape with an area"; }
 };
 
+// What a large shape is described as; handed out by the overrule below.
+class KrSampleLargeShapeDescriber : public KrSampleDescriber {
+  KRRX_DECLARE_MEMBERS(KrSampleLargeShapeDescriber);
+
+ public:
+  const wchar_t* describe(const KrRxObject*) const override { return L"a large shape"; }
+};
+
+// An overrule changes behaviour of an existing class without deriving from
+// it: while overruling is on, queryX on a shape larger than 100 square units
+// (a square, not a circle) answers the large-shape describer instead of the
+// one attached to the class.
+class KrSampleLargeShapeOverrule : public KrRxQueryXOverrule {
+ public:
+  bool isApplicable(const KrRxObject* object) const override {
+    const KrSampleShape* shape = KrSampleShape::cast(object);
+    return shape && shape->area() > 100.0;
+  }
+  KrRxObject* queryX(const KrRxObject* object, const KrRxClass* protocolClass) const override {
+    if (protocolClass != KrSampleDescriber::desc()) return KrRxQueryXOverrule::queryX(object, protocolClass);
+    return const_cast<KrSampleLargeShapeDescriber*>(&mDescriber);
+  }
+
+ private:
+  KrSampleLargeShapeDescriber mDescriber;
+};
+
+// A protocol reactor class: listeners that code working on shapes may ask
+// the shape class's reactor manager for and notify.
+class KrSampleShapeReactor : public KrRxProtocolReactor {
+  KRRX_DECLARE_MEMBERS(KrSampleShapeReactor);
+
+ public:
+  virtual void shapeChanged(KrSampleShape*) {}
+};
+
 KRRX_NO_CONS_DEFINE_MEMBERS(KrSampleShape, KrRxObject)
 KRRX_CONS_DEFINE_MEMBERS(KrSampleCircle, KrSampleShape)
+KRRX_CONS_DEFINE_MEMBERS(KrSampleSquare, KrSampleShape)
 KRRX_NO_CONS_DEFINE_MEMBERS(KrSampleDescriber, KrRxObject)
 KRRX_CONS_DEFINE_MEMBERS(KrSampleShapeDescriber, KrSampleDescriber)
+KRRX_CONS_DEFINE_MEMBERS(KrSampleLargeShapeDescriber, KrSampleDescriber)
+KRRX_CONS_DEFINE_MEMBERS(KrSampleShapeReactor, KrRxProtocolReactor)
 
 namespace {
 
 const wchar_t kServiceName[] = L"SampleShapeService";
 KrRxObject* sService = nullptr;
 KrSampleShapeDescriber* sDescriber = nullptr;
+KrSampleLargeShapeOverrule* sOverrule = nullptr;
+bool sWasOverruling = false;
+KrSampleShapeReactor* sReactor = nullptr;
+
+// The shape class's list of shape reactors, through the service "ProtocolReactorManager".
+KrRxProtocolReactorList* shapeReactors() {
+  auto* services = KrRxDictionary::cast(krrxSysRegistry()->at(L"ServiceDictionary"));
+  auto* factory = services ? KrRxProtocolReactorManagerFactory::cast(services->at(L"ProtocolReactorManager"))
+                           : nullptr;
+  KrRxProtocolReactorManager* manager = factory ? factory->createReactorManager(KrSampleShape::desc()) : nullptr;
+  return manager ? manager->createReactorList(KrSampleShapeReactor::desc()) : nullptr;
+}
 
 KrRx::AppRetCode initialise(void* self) {
   // Classes made now belong to this module; the hierarchy pass links them into the tree.
   KrSampleShape::rxInit();
   KrSampleCircle::rxInit();
+  KrSampleSquare::rxInit();
   KrSampleDescriber::rxInit();
   KrSampleShapeDescriber::rxInit();
+  KrSampleLargeShapeDescriber::rxInit();
+  KrSampleShapeReactor::rxInit();
   krrxBuildClassHierarchy();
-  // Attached to the shape class, the describer answers queryX on every circle too.
+  // Attached to the shape class, the describer answers queryX on every circle and square too.
   sDescriber = new KrSampleShapeDescriber();
   KrSampleShape::desc()->addX(KrSampleDescriber::desc(), sDescriber);
+  // The overrule acts for every shape once overruling is switched on.
+  sOverrule = new KrSampleLargeShapeOverrule();
+  KrRxOverrule::addOverrule(KrSampleShape::desc(), sOverrule);
+  sWasOverruling = KrRxOverrule::isOverruling();
+  KrRxOverrule::setIsOverruling(true);
+  // The reactor waits in the shape class's list until the module unloads.
+  sReactor = new KrSampleShapeReactor();
+  if (KrRxProtocolReactorList* reactors = shapeReactors()) reactors->addReactor(sReactor);
   sService = krrxRegisterService(kServiceName);
   // Every module starts locked; unlocking lets the user unload it by command.
   krrxUnlockApplication(self);
@@ -80,11 +153,20 @@ KrRx::AppRetCode unload() {
   delete sService;
   KrSampleShape::desc()->delX(KrSampleDescriber::desc());
   delete sDescriber;
+  KrRxOverrule::setIsOverruling(sWasOverruling);
+  KrRxOverrule::removeOverrule(KrSampleShape::desc(), sOverrule);
+  delete sOverrule;
+  if (KrRxProtocolReactorList* reactors = shapeReactors()) reactors->removeReactor(sReactor);
+  delete sReactor;
   // Classes can only be deleted while their module hears kAppMsgUnload; children first.
+  // The shape class takes its reactor manager and overrule list along.
   deleteKrRxClass(KrSampleCircle::desc());
+  deleteKrRxClass(KrSampleSquare::desc());
   deleteKrRxClass(KrSampleShape::desc());
   deleteKrRxClass(KrSampleShapeDescriber::desc());
+  deleteKrRxClass(KrSampleLargeShapeDescriber::desc());
   deleteKrRxClass(KrSampleDescriber::desc());
+  deleteKrRxClass(KrSampleShapeReactor::desc());
   return KrRx::kRetOK;
 }
 

@@ -8,6 +8,7 @@
 #include "krrxclass.h"
 #include "krrxcopyonwrite.h"
 #include "krrxdictionary.h"
+#include "krrxevent.h"
 #include "krrxgenhand.h"
 #include "krrxiterator.h"
 #include "krrxlinkedlist.h"
@@ -75,14 +76,14 @@ const LibraryClass kLibraryClasses[] = {
     KR_CLASS(KrRxDLinkerReactor2),
     KR_CLASS(KrRxDynamicLinker),
     KR_CLASS(KrRxImpDynamicLinker),
-    KR_NAMED(KrRxEvent, KrRxObject),
-    KR_NAMED(KrRxEventReactor, KrRxObject),
+    KR_CLASS(KrRxEvent),
+    KR_CLASS(KrRxEventReactor),
     KR_CLASS(KrRxGenVoid),
     KR_CLASS(KrRxGenHand),
-    KR_NAMED(KrRxOverruleBase, KrRxObject),
-    KR_NAMED(KrRxOverrule, KrRxOverruleBase),
-    KR_NAMED(KrRxQueryXOverrule, KrRxOverrule),
-    KR_NAMED(KrRxOverruleInternals, KrRxObject),
+    KR_CLASS(KrRxOverruleBase),
+    KR_CLASS(KrRxOverrule),
+    KR_CLASS(KrRxQueryXOverrule),
+    KR_CLASS(KrRxOverruleInternals),
     KR_CLASS(KesuAppInfo),
     KR_CLASS(KesuAppRegistry),
     KR_NAMED(KrRxClassDetailsPE, KrRxObject),
@@ -120,15 +121,15 @@ const LibraryClass kLibraryClasses[] = {
     KR_NAMED(KrRxNumberFormat, KrRxObject),
     KR_NAMED(KrRxNumberFormat2, KrRxNumberFormat),
     KR_NAMED(KrRxFormattablePE, KrRxObject),
-    KR_NAMED(KrRxProtocolReactor, KrRxObject),
-    KR_NAMED(KrRxProtocolReactorIterator, KrRxIterator),
-    KR_NAMED(KrRxImpProtocolReactorIterator, KrRxProtocolReactorIterator),
-    KR_NAMED(KrRxProtocolReactorList, KrRxObject),
-    KR_NAMED(KrRxImpProtocolReactorList, KrRxProtocolReactorList),
-    KR_NAMED(KrRxProtocolReactorListIterator, KrRxIterator),
-    KR_NAMED(KrRxImpProtocolReactorListIterator, KrRxProtocolReactorListIterator),
-    KR_NAMED(KrRxProtocolReactorManager, KrRxObject),
-    KR_NAMED(KrRxImpProtocolReactorManager, KrRxProtocolReactorManager),
+    KR_CLASS(KrRxProtocolReactor),
+    KR_CLASS(KrRxProtocolReactorIterator),
+    KR_CLASS(KrRxImpProtocolReactorIterator),
+    KR_CLASS(KrRxProtocolReactorList),
+    KR_CLASS(KrRxImpProtocolReactorList),
+    KR_CLASS(KrRxProtocolReactorListIterator),
+    KR_CLASS(KrRxImpProtocolReactorListIterator),
+    KR_CLASS(KrRxProtocolReactorManager),
+    KR_CLASS(KrRxImpProtocolReactorManager),
     KR_CLASS(KrRxProtocolReactorManagerFactory),
     KR_CLASS(KrRxImpProtocolReactorManagerFactory),
 };

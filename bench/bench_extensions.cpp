@@ -1,0 +1,116 @@
+// Overrules and protocol reactors beside their C++ peers: queryX with the
+// overrule switch off and on, and reactor lists against a vector.
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "BenchHarness.h"
+#include "kr1st.h"
+
+namespace {
+
+// Five levels of runtime classes; objects are made of the deepest.
+#define KR_LEVEL(CLASS, PARENT)  \
+  class CLASS : public PARENT {  \
+    KRRX_DECLARE_MEMBERS(CLASS); \
+  };                             \
+  KRRX_CONS_DEFINE_MEMBERS(CLASS, PARENT)
+
+KR_LEVEL(Level1, KrRxObject)
+KR_LEVEL(Level2, Level1)
+KR_LEVEL(Level3, Level2)
+KR_LEVEL(Level4, Level3)
+KR_LEVEL(Level5, Level4)
+KR_LEVEL(Probe, KrRxObject)
+KR_LEVEL(Listener, KrRxProtocolReactor)
+
+// A query overrule that never applies: every lookup asks it and moves on.
+class NeverQueryX : public KrRxQueryXOverrule {
+ public:
+  bool isApplicable(const KrRxObject*) const override { return false; }
+};
+
+void registerClasses() {
+  Level1::rxInit(), Level2::rxInit(), Level3::rxInit(), Level4::rxInit(), Level5::rxInit();
+  Probe::rxInit(), Listener::rxInit();
+  krrxBuildClassHierarchy();
+}
+
+KrRxProtocolReactorManagerFactory* reactorFactory() {
+  auto* services = KrRxDictionary::cast(krrxSysRegistry()->at(L"ServiceDictionary"));
+  return KrRxProtocolReactorManagerFactory::cast(services->at(L"ProtocolReactorManager"));
+}
+
+void benchQueryX() {
+  Probe extension;
+  Level1::desc()->addX(Probe::desc(), &extension);
+  Level5 deep;
+  KrRxObject* object = &deep;
+  const KrRxClass* probe = Probe::desc();
+  asm volatile("" : "+r"(object), "+r"(probe));  // opaque, so every call is really made
+
+  double switchOff = bench::nsPerCall([&](long long) { bench::keep(object->queryX(probe)); }, 10000000);
+  double virtualCall = bench::nsPerCall([&](long long) { bench::keep(object->isA()); }, 10000000);
+  bench::report("queryX, overruling off (4 levels up)", switchOff, "one virtual call (isA)", virtualCall);
+  std::unordered_map<const void*, KrRxObject*> byProtocol;
+  for (int i = 0; i < 64; ++i) byProtocol[reinterpret_cast<const char*>(&deep) + i] = nullptr;
+  byProtocol[probe] = &extension;
+  double hashed = bench::nsPerCall([&](long long) { bench::keep(byProtocol.find(probe)->second); }, 10000000);
+  bench::report("queryX, overruling off (4 levels up)", switchOff, "unordered_map<const void*,T*>::find", hashed);
+
+  NeverQueryX never;
+  KrRxOverrule::addOverrule(Level1::desc(), &never, false);
+  KrRxOverrule::setIsOverruling(true);
+  double switchOn = bench::nsPerCall([&](long long) { bench::keep(object->queryX(probe)); }, 1000000);
+  bench::report("queryX, overruling on, 1 overrule not applying", switchOn, "queryX, overruling off", switchOff);
+  KrRxOverrule::setIsOverruling(false);
+  KrRxOverrule::removeOverrule(Level1::desc(), &never);
+  Level1::desc()->delX(Probe::desc());
+}
+
+// Adds 1,000 reactors to a fresh list and walks it once; ns per reactor.
+void benchReactors() {
+  const int n = 1000, batch = 20, rounds = 5;
+  std::vector<Listener> reactors(n);
+  // One fresh list per call, made beforehand: lists live as long as their class.
+  std::vector<KrRxProtocolReactorList*> lists;
+  for (int i = 0; i < batch * rounds; ++i) {
+    KrRxClass* cls = newKrRxClass((L"Watched" + std::to_wstring(i)).c_str(), L"KrRxObject", 0, nullptr,
+                                  nullptr, nullptr);
+    lists.push_back(reactorFactory()->createReactorManager(cls)->createReactorList(Listener::desc()));
+  }
+  krrxBuildClassHierarchy();
+  size_t next = 0;
+  double ours = bench::nsPerCall(
+      [&](long long) {
+        KrRxProtocolReactorList* list = lists[next++];
+        for (Listener& reactor : reactors) list->addReactor(&reactor);
+        KrRxProtocolReactorIterator* it = list->newIterator();
+        for (; !it->done(); it->next()) bench::keep(it->object());
+        delete it;
+      },
+      batch, rounds);
+  // The same work on a vector: a duplicate check before each append.
+  double peer = bench::nsPerCall(
+      [&](long long) {
+        std::vector<KrRxProtocolReactor*> list;
+        for (Listener& reactor : reactors)
+          if (std::find(list.begin(), list.end(), &reactor) == list.end()) list.push_back(&reactor);
+        for (KrRxProtocolReactor* reactor : list) bench::keep(reactor);
+      },
+      batch, rounds);
+  bench::report("addReactor+walk, 1,000 reactors, per reactor", ours / n, "vector find+push_back+walk", peer / n);
+}
+
+}  // namespace
+
+int main() {
+  registerClasses();
+  std::printf("Overrules and protocol reactors (best of 5 rounds, ns per call)\n");
+  benchQueryX();
+  benchReactors();
+  return 0;
+}
