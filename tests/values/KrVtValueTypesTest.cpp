@@ -1,0 +1,221 @@
+// The date, time, ratio, percentage, permille and currency classes as a
+// module sees them: registered classes, their members, their text forms
+// through the formattables attached at start-up, and the value arrays.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <stdexcept>
+#include <string>
+
+#include "krrxformattable.h"
+#include "krvtcurrency.h"
+#include "krvtdaytime.h"
+#include "krvtratio.h"
+
+namespace {
+
+std::wstring formatted(const KrRxObject& object) {
+  wchar_t* text = nullptr;
+  Kesu::ErrorStatus status = krrxFormatObject(&object, text, nullptr);
+  std::wstring result = status == Kesu::eOk && text ? text : L"<status " + std::to_wstring(status) + L">";
+  free(text);
+  return result;
+}
+
+TEST(KrVtValueTypes, ClassesStandInTheTreeWithTheirParents) {
+  KrVtDate date;
+  KrVtTime time;
+  KrVtDateTime dateTime;
+  KrVtPercentage percentage;
+  KrVtPermille permille;
+  KrVtCurrency currency;
+  EXPECT_EQ(date.isA(), KrVtDate::desc());
+  EXPECT_EQ(time.isA(), KrVtTime::desc());
+  EXPECT_EQ(dateTime.isA(), KrVtDateTime::desc());
+  EXPECT_TRUE(date.isKindOf(KrVtDaytime::desc()));
+  EXPECT_TRUE(date.isKindOf(KrVtFloat64::desc()));
+  EXPECT_TRUE(percentage.isKindOf(KrVtRatio::desc()));
+  EXPECT_TRUE(permille.isKindOf(KrVtRatio::desc()));
+  EXPECT_FALSE(permille.isKindOf(KrVtPercentage::desc()));
+  EXPECT_TRUE(currency.isKindOf(KrVtFloat64::desc()));
+  EXPECT_FALSE(currency.isKindOf(KrVtRatio::desc()));
+  EXPECT_EQ(KrVtDate::cast(&time), nullptr);
+  EXPECT_EQ(KrVtDaytime::cast(&time), &time);
+  // The pseudo-constructors make default values of the real classes.
+  KrRxObject* made = KrVtDateTime::desc()->create();
+  ASSERT_NE(KrVtDateTime::cast(made), nullptr);
+  EXPECT_EQ(formatted(*made), L"-4713-11-24T00:00:00.000Z");
+  delete made;
+}
+
+TEST(KrVtValueTypes, DaysWriteAndReadThroughTheirClassesFormattable) {
+  KrVtDate date;
+  ASSERT_EQ(date.setDate(2023, 5, 17), Kesu::eOk);
+  EXPECT_EQ(formatted(date), L"2023-05-17");
+  KrVtDateTime dateTime(date.value());
+  EXPECT_EQ(formatted(dateTime), L"2023-05-17T00:00:00.000Z");
+  KrVtTime time(-date.value());
+  ASSERT_EQ(time.setTime(8, 30, 5, 250), Kesu::eOk);
+  EXPECT_EQ(formatted(time), L"08:30:05.250Z");
+  EXPECT_EQ(krrxParseObject(&date, L"2024-02-29Z", nullptr), Kesu::eOk);
+  EXPECT_EQ(formatted(date), L"2024-02-29Z");
+  EXPECT_EQ(krrxParseObject(&time, L"12:30:15.5", nullptr), Kesu::eOk);
+  EXPECT_EQ(formatted(time), L"12:30:15.500");
+  EXPECT_EQ(krrxParseObject(&dateTime, L"*", nullptr), Kesu::eOk);
+  EXPECT_EQ(formatted(dateTime), L"*");
+  EXPECT_EQ(krrxParseObject(&dateTime, nullptr, nullptr), Kesu::eInvalidInput);
+  // A plain day value has no text form of its own.
+  KrVtDaytime plain;
+  EXPECT_EQ(formatted(plain), L"<status 2>");
+}
+
+TEST(KrVtValueTypes, FormattablesRefuseObjectsOfOtherClasses) {
+  KrVtDate date;
+  KrVtTime time;
+  KrVtRatio ratio;
+  KrVtCurrency currency;
+  wchar_t* text = nullptr;
+  EXPECT_EQ(KrVtDateFormattable().toText(&time, text, nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(KrVtTimeFormattable().fromText(&date, L"08:30", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(KrVtDateTimeFormattable().toText(nullptr, text, nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(KrVtPercentageFormattable().toText(&ratio, text, nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(KrVtRatioFormattable().toText(&currency, text, nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(KrVtCurrencyFormattable().fromText(&ratio, L"1.00", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(text, nullptr);
+}
+
+TEST(KrVtValueTypes, DaytimeConvertsToSecondsAndStructTm) {
+  KrVtDateTime epoch(__int64(0));
+  EXPECT_EQ(formatted(epoch), L"1970-01-01T00:00:00.000Z");
+  EXPECT_EQ(__int64(KrVtDateTime(2440588.0)), INT64_MIN);
+  tm parts = KrVtDateTime(-2460385.5);
+  EXPECT_EQ(parts.tm_hour, 12);
+  EXPECT_TRUE(std::isnan(KrVtDateTime(parts).value()));
+  KrVtDateTime now;
+  now.getUniversalTime();
+  EXPECT_TRUE(now.isUniversal());
+  EXPECT_LE(std::llabs(__int64(now) - _time64(nullptr)), 2);
+}
+
+TEST(KrVtValueTypes, DayCountsOfOtherCalendars) {
+  KrVtDaytime day(2460385.25);
+  EXPECT_EQ(day.julianFraction(), 2460384.75);
+  EXPECT_EQ(KrVtDaytime(-2460385.25).julianFraction(), 2460385.75);
+  EXPECT_EQ(day.rataDieFraction(), 738961.0);
+  EXPECT_EQ(day.lilianFraction(), 161226.0);
+  day.setJulianFraction(-2460384.75);
+  EXPECT_EQ(day.value(), -2460385.25);
+  day.setRataDieFraction(738961.0);
+  EXPECT_EQ(day.value(), -2460385.0);
+  day.setLilianFraction(-2299160.0);
+  EXPECT_EQ(day.value(), -1.0);
+}
+
+TEST(KrVtValueTypes, DayArithmeticKeepsTheZone) {
+  KrVtDateTime a(-2460385.5), b(-2460380.25), model(2460380.25);
+  EXPECT_EQ(a - b, 5.25);
+  EXPECT_TRUE(std::isnan(a - model));
+  EXPECT_EQ((a + 1.5).value(), -2460387.0);
+  EXPECT_EQ((1.5 + a).value(), -2460387.0);
+  EXPECT_TRUE(std::isnan((model + -3e6).value()));
+  EXPECT_EQ((a * 2.0).value(), -4920771.0);
+  EXPECT_EQ((a / 2.0).value(), -1230192.75);
+  EXPECT_TRUE(std::isnan((a / -2.0).value()));
+}
+
+TEST(KrVtValueTypes, RatiosWriteTheirFraction) {
+  EXPECT_EQ(formatted(KrVtRatio(0.5)), L"1 : 2");
+  EXPECT_EQ(formatted(KrVtRatio(3.0)), L"3");
+  EXPECT_EQ(formatted(KrVtRatio(-0.75)), L"-3 : 4");
+  EXPECT_EQ(formatted(KrVtRatio(3.14159265358979323846)), L"3126535 : 995207");
+  EXPECT_EQ(formatted(KrVtRatio(1e300)).substr(0, 6), L"100000");  // no fraction: the double itself
+  EXPECT_EQ(formatted(KrVtRatio(HUGE_VAL)), L"9223372036854775807 : 0");
+  EXPECT_THROW(formatted(KrVtRatio(967428643.1946106)), std::overflow_error);
+}
+
+TEST(KrVtValueTypes, RatiosReadAFractionOrANumber) {
+  KrVtRatio ratio;
+  EXPECT_EQ(krrxParseObject(&ratio, L"3 : 4", nullptr), Kesu::eOk);
+  EXPECT_EQ(ratio.value(), 0.75);
+  EXPECT_EQ(krrxParseObject(&ratio, L"0.75", nullptr), Kesu::eOk);
+  EXPECT_EQ(ratio.value(), 0.75);
+  EXPECT_EQ(krrxParseObject(&ratio, L"-9:2", nullptr), Kesu::eOk);
+  EXPECT_EQ(ratio.value(), -4.5);
+  EXPECT_EQ(krrxParseObject(&ratio, L"1 : 0", nullptr), Kesu::eOk);
+  EXPECT_EQ(ratio.value(), HUGE_VAL);
+  EXPECT_EQ(krrxParseObject(&ratio, L"3 :", nullptr), Kesu::eOk);
+  EXPECT_EQ(ratio.value(), 3.0);
+  EXPECT_EQ(krrxParseObject(&ratio, L"one half", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(krrxParseObject(&ratio, L"", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(ratio.value(), 3.0);
+  __int64 n = 0;
+  unsigned __int64 d = 0;
+  EXPECT_EQ(ratio.fromFraction(-1, 3), Kesu::eOk);
+  EXPECT_EQ(ratio.value(), -1.0 / 3);
+  EXPECT_EQ(ratio.toFraction(n, d), Kesu::eOk);
+  EXPECT_EQ(n, -1);
+  EXPECT_EQ(d, 3u);
+  EXPECT_EQ(ratio.fromFraction(0, 0), Kesu::eOk);
+  EXPECT_TRUE(std::isnan(ratio.value()));
+}
+
+TEST(KrVtValueTypes, PercentagesPermilleAndCurrencyWriteAndRead) {
+  KrVtPercentage percentage(0.125);
+  EXPECT_EQ(formatted(percentage), L"13%");  // rounded half away from zero
+  EXPECT_EQ(formatted(KrVtPercentage(-0.125)), L"-13%");
+  for (const wchar_t* text : {L"13%", L"13", L" 13 %"}) {
+    percentage.value() = 0;
+    EXPECT_EQ(krrxParseObject(&percentage, text, nullptr), Kesu::eOk) << text;
+    EXPECT_EQ(percentage.value(), 0.13) << text;
+  }
+  for (const wchar_t* text : {L"", L"%", L"*", L"\u221E", L"abc"})
+    EXPECT_EQ(krrxParseObject(&percentage, text, nullptr), Kesu::eInvalidInput) << text;
+  EXPECT_EQ(krrxParseObject(&percentage, nullptr, nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(percentage.value(), 0.13);
+  KrVtPermille permille(0.0125);
+  EXPECT_EQ(formatted(permille), L"13\u2030");
+  EXPECT_EQ(krrxParseObject(&permille, L"250\u2030", nullptr), Kesu::eOk);
+  EXPECT_EQ(permille.value(), 0.25);
+  KrVtCurrency currency(1234.5);
+  EXPECT_EQ(formatted(currency), L"1234.50");
+  EXPECT_EQ(formatted(KrVtCurrency(12345678901.0)), L"12345678901.00");
+  EXPECT_EQ(formatted(KrVtCurrency(std::nan(""))), L"*");
+  EXPECT_EQ(formatted(KrVtCurrency(HUGE_VAL)), L"\u221E");
+  EXPECT_EQ(krrxParseObject(&currency, L"-\u221E", nullptr), Kesu::eOk);
+  EXPECT_EQ(currency.value(), -HUGE_VAL);
+  EXPECT_EQ(krrxParseObject(&currency, L"99.95", nullptr), Kesu::eOk);
+  EXPECT_EQ(currency.value(), 99.95);
+  EXPECT_EQ(krrxParseObject(&currency, L"dollars", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(currency.value(), 99.95);
+}
+
+TEST(KrVtValueTypes, ValueArraysHandOutTheirElementClasses) {
+  KrVtPercentageArray percentages;
+  percentages.append(0.5);
+  EXPECT_EQ(percentages.elementType(), KrVtPercentage::desc());
+  KrVtPercentage element;
+  ASSERT_EQ(percentages.getAt(0, &element), Kesu::eOk);
+  EXPECT_EQ(formatted(element), L"50%");
+  KrVtRatio ratio(0.25);
+  EXPECT_EQ(percentages.setAt(0, &ratio), Kesu::eWrongObjectType);
+  KrVtCurrencyArray amounts;
+  EXPECT_EQ(amounts.elementType(), KrVtCurrency::desc());
+  KrVtDateTimeArray days;
+  days.append(-2460385.5);
+  EXPECT_EQ(days.elementType(), KrVtDaytime::desc());
+  KrVtDateTime noon;
+  ASSERT_EQ(days.getAt(0, &noon), Kesu::eOk);
+  EXPECT_EQ(formatted(noon), L"2024-03-15T12:00:00.000Z");
+  EXPECT_TRUE(days.contains(&noon));
+  for (KrRxClass* cls : {KrVtPercentageArray::desc(), KrVtCurrencyArray::desc(), KrVtDateTimeArray::desc()}) {
+    ASSERT_NE(cls, nullptr);
+    KrRxObject* made = cls->create();
+    EXPECT_NE(made, nullptr);
+    delete made;
+  }
+}
+
+}  // namespace

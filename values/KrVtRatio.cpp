@@ -1,0 +1,96 @@
+#include "krvtratio.h"
+
+#include <cstdio>
+
+#include "values/KrVtFraction.h"
+#include "values/KrVtNumberText.h"
+#include "values/KrVtText.h"
+#include "values/KrVtValueClass.h"
+
+KRVT_DEFINE_VALUE_MEMBERS(KrVtRatio, KrVtFloat64)
+KRVT_DEFINE_VALUE_MEMBERS(KrVtPercentage, KrVtRatio)
+KRVT_DEFINE_VALUE_MEMBERS(KrVtPermille, KrVtRatio)
+
+Kesu::ErrorStatus KrVtRatio::toFraction(__int64& numerator, unsigned __int64& denominator) const {
+  int64_t n = numerator;
+  uint64_t d = denominator;
+  Kesu::ErrorStatus status = KrVtFraction::best(mValue, n, d);
+  numerator = n;
+  denominator = d;
+  return status;
+}
+
+Kesu::ErrorStatus KrVtRatio::fromFraction(__int64 numerator, unsigned __int64 denominator) {
+  mValue = double(numerator) / double(denominator);
+  return Kesu::eOk;
+}
+
+// KrVtRatioFormattable
+
+Kesu::ErrorStatus KrVtRatioFormattable::toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext*) {
+  const KrVtRatio* ratio = KrVtRatio::cast(object);
+  if (!ratio) return Kesu::eInvalidInput;
+  __int64 numerator = 0;
+  unsigned __int64 denominator = 0;
+  if (ratio->toFraction(numerator, denominator) != Kesu::eOk) return KrVtText::printText(text, L"%lf", ratio->value());
+  if (denominator == 1) return KrVtText::printText(text, L"%lld", numerator);
+  return KrVtText::printText(text, L"%lld : %llu", numerator, denominator);
+}
+
+Kesu::ErrorStatus KrVtRatioFormattable::fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext*) {
+  KrVtRatio* ratio = KrVtRatio::cast(object);
+  if (!ratio || !text) return Kesu::eInvalidInput;
+  __int64 numerator = 0;
+  unsigned __int64 denominator = 0;
+  int read = __ms_swscanf(text, L"%lld : %llu", &numerator, &denominator);
+  if (read <= 0) return Kesu::eInvalidInput;
+  if (read == 2) return ratio->fromFraction(numerator, denominator);
+  // One number: the text is read again as a double (1.0 when that fails).
+  double single = 1.0;
+  __ms_swscanf(text, L"%lf", &single);
+  ratio->fromDouble(single);
+  return Kesu::eOk;
+}
+
+// KrVtPercentageFormattable and KrVtPermilleFormattable
+
+namespace {
+
+const wchar_t kPercentFormat[] = L"%ld%%";
+const wchar_t kPermilleFormat[] = L"%ld\u2030";
+
+template <typename Units>
+Kesu::ErrorStatus unitsToText(const KrRxObject* object, const wchar_t* format, wchar_t*& text) {
+  const Units* units = Units::cast(object);
+  if (!units) return Kesu::eInvalidInput;
+  return KrVtNumberText::unitsToText(units->value(), Units::kUnitsPerWhole, format, text);
+}
+
+template <typename Units>
+Kesu::ErrorStatus unitsFromText(KrRxObject* object, const wchar_t* format, const wchar_t* text) {
+  Units* units = Units::cast(object);
+  if (!units) return Kesu::eInvalidInput;
+  return KrVtNumberText::unitsFromText(units->value(), Units::kUnitsPerWhole, format, text);
+}
+
+}  // namespace
+
+Kesu::ErrorStatus KrVtPercentageFormattable::toText(const KrRxObject* object, wchar_t*& text,
+                                                    const KrRxFormatContext*) {
+  return unitsToText<KrVtPercentage>(object, kPercentFormat, text);
+}
+
+Kesu::ErrorStatus KrVtPercentageFormattable::fromText(KrRxObject* object, const wchar_t* text,
+                                                      const KrRxFormatContext*) {
+  return unitsFromText<KrVtPercentage>(object, kPercentFormat, text);
+}
+
+Kesu::ErrorStatus KrVtPermilleFormattable::toText(const KrRxObject* object, wchar_t*& text,
+                                                  const KrRxFormatContext*) {
+  return unitsToText<KrVtPermille>(object, kPermilleFormat, text);
+}
+
+Kesu::ErrorStatus KrVtPermilleFormattable::fromText(KrRxObject* object, const wchar_t* text,
+                                                    const KrRxFormatContext*) {
+  return unitsFromText<KrVtPermille>(object, kPermilleFormat, text);
+}
