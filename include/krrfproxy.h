@@ -16,10 +16,9 @@ class KR1ST_API KrRfProxy : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRfProxy);
 
  public:
-  enum Flags : unsigned int {
-    kCloneOnCopy = 0x2,     // a pointer copying from this one clones the object
-    kOwnsObject = 0x10000,  // the proxy destroys the object
-  };
+  // Flag bits: a pointer copying from this one clones the object; the
+  // proxy destroys the object. The other bits are the caller's.
+  enum : unsigned int { kCloneOnCopy = 0x2, kOwnsObject = 0x10000 };
 
   ~KrRfProxy() override;
 
@@ -82,6 +81,9 @@ class KR1ST_API KrRfReference : public KrRfProxyObject {
 
  public:
   explicit KrRfReference(KrRxObject* object = nullptr, bool own = false);
+
+  // eInvalidInput for a null object; otherwise as for any proxy.
+  Kesu::ErrorStatus setObject(KrRxObject* object, bool own) override;
 
   // eNotSupported unless other is a reference; the flags stay as they are.
   Kesu::ErrorStatus copyFrom(const KrRxObject* other) override;

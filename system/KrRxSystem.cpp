@@ -7,13 +7,20 @@
 #include "kesuappregistry.h"
 #include "krrxclass.h"
 #include "krrxcopyonwrite.h"
+#include "krrfarray.h"
+#include "krrfproxy.h"
+#include "krrfrangecheck.h"
+#include "krrfvalue.h"
 #include "krrxdictionary.h"
 #include "krrxevent.h"
+#include "krrxformatcontext.h"
+#include "krrxformattable.h"
 #include "krrxgenhand.h"
 #include "krrxiterator.h"
 #include "krrxlinkedlist.h"
 #include "krrxset.h"
 #include "krrfpropertyextensions.h"
+#include "krrfprotocolreactors.h"
 #include "krrxtextstring.h"
 #include "modules/KrRxImpDynamicLinker.h"
 #include "reflection/KrRfImpReflectionPE.h"
@@ -26,6 +33,7 @@
 #include "runtime/KrRxImpSet.h"
 #include "system/KrRxImpKernel.h"
 #include "system/KrRxServiceDictionary.h"
+#include "values/KrVtValueClasses.h"
 
 KrRxDictionary* sysRegistry = nullptr;
 KrRxDictionary* sysClasses = nullptr;
@@ -95,32 +103,32 @@ const LibraryClass kLibraryClasses[] = {
     KR_CLASS(KrRfReflectionPE),
     KR_CLASS(KrRfImpReflectionPE),
     KR_CLASS(KrRfReflectionReactor),
-    KR_NAMED(KrRfReflectionProviderPR, KrRxObject),
+    KR_CLASS(KrRfReflectionProviderPR),
     KR_CLASS(KrRfSymbolIterator),
     KR_CLASS(KrRfImpSymbolIterator),
     KR_CLASS(KrRfSymbol),
     KR_CLASS(KrRfProperty),
-    KR_NAMED(KrRxSymbolFilterPR, KrRxObject),
+    KR_CLASS(KrRxSymbolFilterPR),
     KR_CLASS(KrRfPropertyEnumPE),
     KR_CLASS(KrRfPropertyRangePE),
     KR_CLASS(KrRfPropertyDerivationPE),
     KR_CLASS(KrRfArrayPropertyDetailsPE),
     KR_CLASS(KrRfArrayPropertyDerivationPE),
-    KR_NAMED(KrRfProxyInterfacePE, KrRxObject),
-    KR_NAMED(KrRfValue, KrRxObject),
-    KR_NAMED(KrRfNumber, KrRfValue),
-    KR_NAMED(KrRfValuePointer, KrRfPointer),
-    KR_NAMED(KrRfProxy, KrRxObject),
-    KR_NAMED(KrRfReference, KrRfProxy),
-    KR_NAMED(KrRfPointer, KrRfProxy),
-    KR_NAMED(KrRxObjectPointer, KrRfPointer),
-    KR_NAMED(KrRxClassPointer, KrRxObjectPointer),
-    KR_NAMED(KrRfArray, KrRxObject),
-    KR_NAMED(KrRfRangeCheckPE, KrRxObject),
-    KR_NAMED(KrRxFormatContext, KrRxObject),
-    KR_NAMED(KrRxNumberFormat, KrRxObject),
-    KR_NAMED(KrRxNumberFormat2, KrRxNumberFormat),
-    KR_NAMED(KrRxFormattablePE, KrRxObject),
+    KR_CLASS(KrRfProxyInterfacePE),
+    KR_CLASS(KrRfValue),
+    KR_CLASS(KrRfNumber),
+    KR_CLASS(KrRfValuePointer),
+    KR_CLASS(KrRfProxy),
+    KR_CLASS(KrRfReference),
+    KR_CLASS(KrRfPointer),
+    KR_CLASS(KrRxObjectPointer),
+    KR_CLASS(KrRxClassPointer),
+    KR_CLASS(KrRfArray),
+    KR_CLASS(KrRfRangeCheckPE),
+    KR_CLASS(KrRxFormatContext),
+    KR_CLASS(KrRxNumberFormat),
+    KR_CLASS(KrRxNumberFormat2),
+    KR_CLASS(KrRxFormattablePE),
     KR_CLASS(KrRxProtocolReactor),
     KR_CLASS(KrRxProtocolReactorIterator),
     KR_CLASS(KrRxImpProtocolReactorIterator),
@@ -187,6 +195,7 @@ void krrxInitSystem() {
   sDynamicLinker->registerService(L"KernelServices", sKernel);
   sReactorManagerFactory = new KrRxImpProtocolReactorManagerFactory();
   sDynamicLinker->registerService(L"ProtocolReactorManager", sReactorManagerFactory);
+  krvtInitValueClasses();
   sReflectionService = new KrRfImpReflectionService();
   sDynamicLinker->registerService(L"ReflectionServices", sReflectionService);
 }
@@ -195,6 +204,7 @@ void krrxKillSystem() {
   KrRxGenHand::setCurModule(nullptr);
   KrRxGenHand::mCurMsgCode = KrRx::kNullMsg;
   removeAndDelete(sServiceDictionary, L"ReflectionServices", sReflectionService);
+  krvtKillValueClasses();
   removeAndDelete(sServiceDictionary, L"ProtocolReactorManager", sReactorManagerFactory);
   removeAndDelete(sServiceDictionary, L"KernelServices", sKernel);
   sysKernel = nullptr;

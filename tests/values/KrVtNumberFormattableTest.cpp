@@ -1,0 +1,127 @@
+// The text forms of yes/no, the integer kinds and Float64.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <string>
+
+#include "kr1st.h"
+
+namespace {
+
+std::wstring format(const KrRxObject* object, Kesu::ErrorStatus* status = nullptr) {
+  wchar_t* text = nullptr;
+  Kesu::ErrorStatus result = krrxFormatObject(object, text, nullptr);
+  if (status) *status = result;
+  std::wstring written = text ? text : L"";
+  free(text);
+  return written;
+}
+
+TEST(KrVtNumberFormattableTest, YesAndNo) {
+  KrVtBool flag(true);
+  EXPECT_EQ(format(&flag), L"Yes");
+  flag = false;
+  EXPECT_EQ(format(&flag), L"No");
+  for (const wchar_t* yes : {L"yes", L"YES", L"Yes"}) {
+    flag = false;
+    EXPECT_EQ(krrxParseObject(&flag, yes, nullptr), Kesu::eOk);
+    EXPECT_TRUE(flag.value());
+  }
+  EXPECT_EQ(krrxParseObject(&flag, L"NO", nullptr), Kesu::eOk);
+  EXPECT_FALSE(flag.value());
+  EXPECT_EQ(krrxParseObject(&flag, L"true", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(krrxParseObject(&flag, L"Yes ", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(krrxParseObject(&flag, nullptr, nullptr), Kesu::eInvalidInput);
+  EXPECT_FALSE(flag.value());
+  // A flag byte other than 1 still reads as yes.
+  unsigned char byte = 2;
+  memcpy(flag.addressOf(), &byte, 1);
+  EXPECT_EQ(format(&flag), L"Yes");
+}
+
+template <typename T>
+void roundTrip(T value, const wchar_t* text) {
+  KrRfValueT<T> number(value);
+  EXPECT_EQ(format(&number), text);
+  KrRfValueT<T> read;
+  EXPECT_EQ(krrxParseObject(&read, text, nullptr), Kesu::eOk) << text;
+  EXPECT_EQ(read.value(), value) << text;
+  EXPECT_EQ(krrxParseObject(&read, L"seven", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(krrxParseObject(&read, nullptr, nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(read.value(), value) << "unchanged after a failed read";
+}
+
+TEST(KrVtNumberFormattableTest, IntegerKindsAtTheirLimits) {
+  roundTrip<signed char>(-128, L"-128");
+  roundTrip<signed char>(127, L"127");
+  roundTrip<unsigned char>(255, L"255");
+  roundTrip<short>(-32768, L"-32768");
+  roundTrip<unsigned short>(65535, L"65535");
+  roundTrip<int>(std::numeric_limits<int>::min(), L"-2147483648");
+  roundTrip<unsigned int>(4294967295u, L"4294967295");
+  roundTrip<__int64>(std::numeric_limits<__int64>::min(), L"-9223372036854775808");
+  roundTrip<unsigned __int64>(18446744073709551615ULL, L"18446744073709551615");
+}
+
+TEST(KrVtNumberFormattableTest, AnIntegerFormattableRefusesAnotherKind) {
+  KrVtInt16 small(5);
+  KrRxObject* formattable = small.queryX(KrRxFormattablePE::desc());
+  ASSERT_NE(formattable, nullptr);
+  KrVtInt32 other(7);
+  wchar_t* text = nullptr;
+  EXPECT_EQ(static_cast<KrRxFormattablePE*>(formattable)->toText(&other, text, nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(static_cast<KrRxFormattablePE*>(formattable)->fromText(&other, L"1", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(text, nullptr);
+  EXPECT_EQ(other.value(), 7);
+}
+
+TEST(KrVtNumberFormattableTest, Float64WritesThreeDecimalsOrTheExponentForm) {
+  KrVtFloat64 number(1234.5);
+  EXPECT_EQ(format(&number), L"1234.500");
+  number = -0.0004;
+  EXPECT_EQ(format(&number), L"-0.000");
+  number = 9999999999.0;
+  EXPECT_EQ(format(&number), L"9999999999.000");
+  number = 12345678901.0;
+  EXPECT_EQ(format(&number), L"1.235E+10");
+  number = -1e10;
+  EXPECT_EQ(format(&number), L"-1.000E+10");
+}
+
+TEST(KrVtNumberFormattableTest, Float64SpecialTexts) {
+  KrVtFloat64 number(std::nan(""));
+  EXPECT_EQ(format(&number), L"*");
+  number = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(format(&number), L"\u221E");
+  number = -std::numeric_limits<double>::infinity();
+  EXPECT_EQ(format(&number), L"-\u221E");
+
+  EXPECT_EQ(krrxParseObject(&number, L"*", nullptr), Kesu::eOk);
+  uint64_t bits;
+  memcpy(&bits, &number.value(), sizeof bits);
+  EXPECT_EQ(bits, 0xFFF8000000000000ULL);
+  EXPECT_EQ(krrxParseObject(&number, L"\u221E", nullptr), Kesu::eOk);
+  EXPECT_EQ(number.value(), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(krrxParseObject(&number, L"-\u221E", nullptr), Kesu::eOk);
+  EXPECT_EQ(number.value(), -std::numeric_limits<double>::infinity());
+}
+
+TEST(KrVtNumberFormattableTest, Float64Reading) {
+  KrVtFloat64 number;
+  EXPECT_EQ(krrxParseObject(&number, L"  -12.5e1", nullptr), Kesu::eOk);
+  EXPECT_EQ(number.value(), -125.0);
+  EXPECT_EQ(krrxParseObject(&number, L"3 apples", nullptr), Kesu::eOk) << "one field converts";
+  EXPECT_EQ(number.value(), 3.0);
+  EXPECT_EQ(krrxParseObject(&number, L"apples", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(krrxParseObject(&number, L"", nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(krrxParseObject(&number, L" *", nullptr), Kesu::eInvalidInput) << "special texts match exactly";
+  EXPECT_EQ(krrxParseObject(&number, nullptr, nullptr), Kesu::eInvalidInput);
+  EXPECT_EQ(number.value(), 3.0);
+}
+
+}  // namespace
