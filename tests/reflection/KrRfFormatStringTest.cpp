@@ -129,7 +129,7 @@ TEST(KrRfEvaluateString, ADottedPathGoesOnThroughProxies) {
 TEST(KrRfFormatString, FillsEveryPlaceholder) {
   Door front;
   EXPECT_EQ(formatted(L"Width: %<width>%", &front), L"Width: " + textOf(KrVtFloat64(5.0)));
-  EXPECT_EQ(textOf(KrVtFloat64(5.0)), L"5");
+  EXPECT_EQ(formatted(L"%<count>% hinges", &front), L"3 hinges");
   EXPECT_EQ(formatted(L"%<name>% door, %<count>% hinges, %<width>% wide", &front),
             L"front door, " + textOf(KrVtInt32(3)) + L" hinges, " + textOf(KrVtFloat64(5.0)) + L" wide");
   EXPECT_EQ(formatted(L"%<name>%%<name>%", &front), L"frontfront");
