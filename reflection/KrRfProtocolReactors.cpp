@@ -1,18 +1,14 @@
 #include "reflection/KrRfProtocolReactors.h"
 
 #include "krrxclass.h"
-#include "krrxdictionary.h"
-#include "krrxsystem.h"
+#include "reflection/KrRfReflectionService.h"
 #include "runtime/KrRxCoreClass.h"
 
 KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxSymbolFilterPR, KrRxProtocolReactor)
 KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRfReflectionProviderPR, KrRxProtocolReactor)
 
 KrRxProtocolReactorManager* krrfReactorManagerOf(KrRxClass* cls) {
-  KrRxDictionary* registry = krrxSysRegistry();
-  KrRxDictionary* services = registry ? KrRxDictionary::cast(registry->at(L"ServiceDictionary")) : nullptr;
-  if (!services) return nullptr;
-  auto* factory = KrRxProtocolReactorManagerFactory::cast(services->at(L"ProtocolReactorManager"));
+  auto* factory = KrRxProtocolReactorManagerFactory::cast(krrfFindService(L"ProtocolReactorManager"));
   return factory ? factory->createReactorManager(cls) : nullptr;
 }
 

@@ -21,10 +21,14 @@ struct KrRfImpReflectionServiceLayout {
 };
 #pragma GCC diagnostic pop
 
-KrRfReflectionService* krrfReflectionService() {
+KrRxObject* krrfFindService(const wchar_t* name) {
   KrRxDictionary* registry = krrxSysRegistry();
   KrRxDictionary* services = registry ? KrRxDictionary::cast(registry->at(L"ServiceDictionary")) : nullptr;
-  return services ? KrRfReflectionService::cast(services->at(L"ReflectionServices")) : nullptr;
+  return services ? services->at(name) : nullptr;
+}
+
+KrRfReflectionService* krrfReflectionService() {
+  return KrRfReflectionService::cast(krrfFindService(L"ReflectionServices"));
 }
 
 KrRfImpReflectionService* krrfImpReflectionService() {

@@ -28,5 +28,8 @@ class KR1ST_API KrRfImpReflectionService : public KrRfReflectionService {
   friend struct KrRfImpReflectionServiceLayout;
 };
 
+// The service of that name in the system registry's "ServiceDictionary"
+// (taken only when that is a dictionary), or null.
+KrRxObject* krrfFindService(const wchar_t* name);
 // The implementation behind "ReflectionServices", or null when there is none.
 KrRfImpReflectionService* krrfImpReflectionService();
