@@ -128,6 +128,17 @@ void benchFormat() {
       },
       20000);
   bench::report("krrfFormatString, 3 placeholders", ours, "swprintf, the same 3 doubles", theirs);
+  KrVtFloat64 values[] = {door.mWidth, door.mHeight, door.mDepth};
+  double formatting = bench::nsPerCall(
+      [&](long long) {
+        for (const KrVtFloat64& value : values) {
+          wchar_t* text = nullptr;
+          krrxFormatObject(&value, text, nullptr);
+          free(text);
+        }
+      },
+      20000);
+  bench::report("  of which 3 x krrxFormatObject", formatting, "swprintf, the same 3 doubles", theirs);
   pe->removeSymbol(&depth);
   pe->removeSymbol(&height);
   pe->removeSymbol(&width);

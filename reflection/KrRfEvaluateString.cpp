@@ -1,11 +1,10 @@
-#include <cstring>
 #include <cwchar>
 
-#include "krheap.h"
 #include "krrfformat.h"
 #include "krrfproxy.h"
 #include "krrxclass.h"
 #include "reflection/KrRfImpReflectionPE.h"
+#include "reflection/KrRfTextCopy.h"
 #include "runtime/KrRxGrowArray.h"
 
 namespace {
@@ -58,13 +57,12 @@ Kesu::ErrorStatus evaluatePath(wchar_t* path, const KrRxObject* object, bool eff
 Kesu::ErrorStatus krrfEvaluateString(const wchar_t* expression, const KrRxObject* object, KrRxObject*& result,
                                      bool effective) {
   if (!expression || !object) return Kesu::eInvalidInput;
-  wchar_t* path = __krStrdup(expression);
-  if (!path) return Kesu::eOutOfMemory;
+  KrRfTextCopy path(expression, wcslen(expression));
+  if (!path.text()) return Kesu::eOutOfMemory;
   KrRxGrowArray<KrRxObject*> proxies;
-  Kesu::ErrorStatus status = evaluatePath(path, object, effective, result, proxies);
+  Kesu::ErrorStatus status = evaluatePath(path.text(), object, effective, result, proxies);
   for (int32_t i = proxies.count - 1; i >= 0; --i) delete proxies.data[i];
   proxies.release();
-  __krFree(path);
   return status;
 }
 

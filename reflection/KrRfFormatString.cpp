@@ -5,6 +5,7 @@
 #include <cwchar>
 
 #include "krrxformattable.h"
+#include "reflection/KrRfTextCopy.h"
 
 namespace {
 
@@ -47,15 +48,6 @@ class Composer {
   size_t mLength;
 };
 
-// The text from begin of length characters as a text of its own, or null.
-wchar_t* copyOf(const wchar_t* begin, size_t length) {
-  auto* text = static_cast<wchar_t*>(malloc((length + 1) * sizeof(wchar_t)));
-  if (!text) return nullptr;
-  memcpy(text, begin, length * sizeof(wchar_t));
-  text[length] = 0;
-  return text;
-}
-
 }  // namespace
 
 Kesu::ErrorStatus krrfFormatString(const wchar_t* text, const KrRxObject* object,
@@ -69,10 +61,8 @@ Kesu::ErrorStatus krrfFormatString(const wchar_t* text, const KrRxObject* object
     const wchar_t* close = wcsstr(open + 2, L">%");
     if (!close) break;
     composer.append(position, size_t(open - position));
-    if (wchar_t* path = copyOf(open + 2, size_t(close - open - 2))) {
-      composer.appendValue(path, object, context);
-      free(path);
-    }
+    KrRfTextCopy path(open + 2, size_t(close - open - 2));
+    if (path.text()) composer.appendValue(path.text(), object, context);
     position = close + 2;
   }
   composer.append(position, wcslen(position));

@@ -102,6 +102,7 @@ TEST(KrRfEvaluateString, FailuresLeaveTheResultAlone) {
   EXPECT_EQ(krrfEvaluateString(L"", &front, untouched), Kesu::eInvalidInput);
   EXPECT_EQ(krrfEvaluateString(L"frame..width", &front, untouched), Kesu::eInvalidInput);
   EXPECT_EQ(krrfEvaluateString(L"height", &front, untouched), Kesu::eKeyNotFound);
+  EXPECT_EQ(krrfEvaluateString(std::wstring(300, L'w').c_str(), &front, untouched), Kesu::eKeyNotFound);
   EXPECT_EQ(krrfEvaluateString(L"abstract", &front, untouched), Kesu::eNotSupported);
   EXPECT_EQ(krrfEvaluateString(L"unreadable", &front, untouched, false), Kesu::eNotApplicable);
   EXPECT_EQ(krrfEvaluateString(L"width.name", &front, untouched), Kesu::eInvalidInput);
@@ -140,6 +141,7 @@ TEST(KrRfFormatString, FillsEveryPlaceholder) {
 TEST(KrRfFormatString, PlaceholdersThatCannotBeFilledDisappear) {
   Door front;
   EXPECT_EQ(formatted(L"[%<height>%] after", &front), L"[] after");
+  EXPECT_EQ(formatted((L"[%<" + std::wstring(300, L'w') + L">%]%<name>%").c_str(), &front), L"[]front");
   EXPECT_EQ(formatted(L"[%<unreadable>%][%<plain>%][%<>%][%<frame.width>%]", &front), L"[][][][]");
 }
 
