@@ -42,6 +42,8 @@ class KR1ST_API KrVtDaytime : public KrRfValueT<double> {
 
   // Seconds since 1970 rounded half away from zero; model time gives the smallest __int64.
   operator __int64() const;
+  // The same for a modifiable value, which would otherwise convert through its double.
+  operator __int64() { return static_cast<const KrVtDaytime&>(*this); }
   // Calendar parts: tm_wday is the C remainder of the signed day number by 7
   // (0 on Mondays, zero or negative for universal values), tm_yday is 0,
   // tm_isdst 1 for model time and 0 for universal time.

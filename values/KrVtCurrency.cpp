@@ -1,6 +1,6 @@
 #include "krvtcurrency.h"
 
-#include "values/KrVtNumberText.h"
+#include "values/KrVtNumberFormattable.h"
 #include "values/KrVtValueClass.h"
 
 KRVT_DEFINE_VALUE_MEMBERS(KrVtCurrency, KrVtFloat64)
@@ -9,12 +9,12 @@ Kesu::ErrorStatus KrVtCurrencyFormattable::toText(const KrRxObject* object, wcha
                                                   const KrRxFormatContext*) {
   const KrVtCurrency* amount = KrVtCurrency::cast(object);
   if (!amount) return Kesu::eInvalidInput;
-  return KrVtNumberText::floatToText(amount->value(), L"%.02f", text);
+  return krvtDoubleToText(amount->value(), L"%.02f", text);
 }
 
 Kesu::ErrorStatus KrVtCurrencyFormattable::fromText(KrRxObject* object, const wchar_t* text,
                                                     const KrRxFormatContext*) {
   KrVtCurrency* amount = KrVtCurrency::cast(object);
   if (!amount) return Kesu::eInvalidInput;
-  return KrVtNumberText::floatFromText(amount->value(), text);
+  return krvtDoubleFromText(text, amount->value());
 }

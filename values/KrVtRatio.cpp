@@ -1,9 +1,9 @@
 #include "krvtratio.h"
 
+#include <cmath>
 #include <cstdio>
 
 #include "values/KrVtFraction.h"
-#include "values/KrVtNumberText.h"
 #include "values/KrVtText.h"
 #include "values/KrVtValueClass.h"
 
@@ -12,12 +12,7 @@ KRVT_DEFINE_VALUE_MEMBERS(KrVtPercentage, KrVtRatio)
 KRVT_DEFINE_VALUE_MEMBERS(KrVtPermille, KrVtRatio)
 
 Kesu::ErrorStatus KrVtRatio::toFraction(__int64& numerator, unsigned __int64& denominator) const {
-  int64_t n = numerator;
-  uint64_t d = denominator;
-  Kesu::ErrorStatus status = KrVtFraction::best(mValue, n, d);
-  numerator = n;
-  denominator = d;
-  return status;
+  return KrVtFraction::best(mValue, numerator, denominator);
 }
 
 Kesu::ErrorStatus KrVtRatio::fromFraction(__int64 numerator, unsigned __int64 denominator) {
@@ -59,18 +54,22 @@ namespace {
 const wchar_t kPercentFormat[] = L"%ld%%";
 const wchar_t kPermilleFormat[] = L"%ld\u2030";
 
+// The ratio as a count of units per whole, rounded half away from zero.
 template <typename Units>
 Kesu::ErrorStatus unitsToText(const KrRxObject* object, const wchar_t* format, wchar_t*& text) {
   const Units* units = Units::cast(object);
   if (!units) return Kesu::eInvalidInput;
-  return KrVtNumberText::unitsToText(units->value(), Units::kUnitsPerWhole, format, text);
+  return KrVtText::printText(text, format, std::lround(units->value() * Units::kUnitsPerWhole));
 }
 
+// Only the count must be read: the unit sign after it is optional.
 template <typename Units>
 Kesu::ErrorStatus unitsFromText(KrRxObject* object, const wchar_t* format, const wchar_t* text) {
   Units* units = Units::cast(object);
-  if (!units) return Kesu::eInvalidInput;
-  return KrVtNumberText::unitsFromText(units->value(), Units::kUnitsPerWhole, format, text);
+  long count = 0;
+  if (!units || !text || __ms_swscanf(text, format, &count) < 1) return Kesu::eInvalidInput;
+  units->value() = double(count) / Units::kUnitsPerWhole;
+  return Kesu::eOk;
 }
 
 }  // namespace

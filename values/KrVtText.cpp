@@ -1,48 +1,10 @@
 #include "values/KrVtText.h"
 
-#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <cwchar>
-
-#include "values/KrVtDayValue.h"
 
 namespace KrVtText {
-
-namespace {
-const wchar_t kUnsetText[] = L"*";
-const wchar_t kInfinityText[] = L"\u221E";
-const wchar_t kNegativeInfinityText[] = L"-\u221E";
-}  // namespace
-
-const wchar_t* specialTextOf(double v, Specials specials) {
-  if (std::isnan(v)) return kUnsetText;
-  if (v == HUGE_VAL) return kInfinityText;
-  if (v == -HUGE_VAL && specials == kWithNegativeInfinity) return kNegativeInfinityText;
-  return nullptr;
-}
-
-bool readSpecialText(const wchar_t* text, Specials specials, double& v) {
-  if (!wcscmp(text, kUnsetText)) {
-    v = KrVtDay::unset();
-  } else if (!wcscmp(text, kInfinityText)) {
-    v = HUGE_VAL;
-  } else if (specials == kWithNegativeInfinity && !wcscmp(text, kNegativeInfinityText)) {
-    v = -HUGE_VAL;
-  } else {
-    return false;
-  }
-  return true;
-}
-
-Kesu::ErrorStatus copyText(const wchar_t* source, wchar_t*& text) {
-  size_t bytes = (wcslen(source) + 1) * sizeof(wchar_t);
-  wchar_t* copy = static_cast<wchar_t*>(malloc(bytes));
-  if (!copy) return Kesu::eOutOfMemory;
-  text = static_cast<wchar_t*>(memcpy(copy, source, bytes));
-  return Kesu::eOk;
-}
 
 Kesu::ErrorStatus printText(wchar_t*& text, const wchar_t* format, ...) {
   va_list args, counting;

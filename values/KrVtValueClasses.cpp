@@ -1,6 +1,5 @@
 // The value-type classes of the library, in the order they are registered,
-// and what is attached to them. A class known here by name only gets its
-// C++ class where its behaviour is written.
+// and what is attached to them.
 
 #include "values/KrVtValueClasses.h"
 
@@ -12,52 +11,44 @@
 #include "krrxdictionary.h"
 #include "krrxsystem.h"
 #include "krrxtextstring.h"
+#include "krvtcurrency.h"
+#include "krvtdaytime.h"
+#include "krvtratio.h"
 #include "runtime/KrRxImpClass.h"
 #include "values/KrVtNumberFormattable.h"
 
 namespace {
 
-// One value class: a C++ class with its own rxInit, or a class known so far
-// by name and parent only.
-struct ValueClass {
-  void (*rxInit)();
-  const wchar_t* name;
-  const wchar_t* parentName;
+// The registration of each value class, in order. The date, time and ratio
+// classes come first: the values below name them as parents.
+typedef void (*RxInit)();
+
+const RxInit kValueClasses[] = {
+    &KrVtRatio::rxInit,
+    &KrVtDaytime::rxInit,
+    &KrVtDateTime::rxInit,
+    &KrVtDate::rxInit,
+    &KrVtTime::rxInit,
+    &KrVtBool::rxInit,
+    &KrVtInt8::rxInit,
+    &KrVtInt16::rxInit,
+    &KrVtInt32::rxInit,
+    &KrVtInt64::rxInit,
+    &KrVtUInt8::rxInit,
+    &KrVtUInt16::rxInit,
+    &KrVtUInt32::rxInit,
+    &KrVtUInt64::rxInit,
+    &KrVtFloat32::rxInit,
+    &KrVtFloat64::rxInit,
+    &KrVtChar::rxInit,
+    &KrVtPercentage::rxInit,
+    &KrVtPermille::rxInit,
+    &KrVtCurrency::rxInit,
+    [] { KrVtFloat64Array::rxInit(L"KrRfArray"); },
+    [] { KrVtPercentageArray::rxInit(L"KrVtFloat64Array"); },
+    [] { KrVtCurrencyArray::rxInit(L"KrVtFloat64Array"); },
+    [] { KrVtDateTimeArray::rxInit(L"KrVtFloat64Array"); },
 };
-
-#define KR_CLASS(CLASS) {&CLASS::rxInit, nullptr, nullptr}
-#define KR_NAMED(NAME, PARENT) {nullptr, L## #NAME, L## #PARENT}
-
-// The date, time and ratio classes come first: the values below name them as parents.
-const ValueClass kValueClasses[] = {
-    KR_NAMED(KrVtRatio, KrVtFloat64),
-    KR_NAMED(KrVtDaytime, KrVtFloat64),
-    KR_NAMED(KrVtDateTime, KrVtDaytime),
-    KR_NAMED(KrVtDate, KrVtDaytime),
-    KR_NAMED(KrVtTime, KrVtDaytime),
-    KR_CLASS(KrVtBool),
-    KR_CLASS(KrVtInt8),
-    KR_CLASS(KrVtInt16),
-    KR_CLASS(KrVtInt32),
-    KR_CLASS(KrVtInt64),
-    KR_CLASS(KrVtUInt8),
-    KR_CLASS(KrVtUInt16),
-    KR_CLASS(KrVtUInt32),
-    KR_CLASS(KrVtUInt64),
-    KR_CLASS(KrVtFloat32),
-    KR_CLASS(KrVtFloat64),
-    KR_CLASS(KrVtChar),
-    KR_NAMED(KrVtPercentage, KrVtRatio),
-    KR_NAMED(KrVtPermille, KrVtRatio),
-    KR_NAMED(KrVtCurrency, KrVtFloat64),
-    {[] { KrVtFloat64Array::rxInit(L"KrRfArray"); }, nullptr, nullptr},
-    KR_NAMED(KrVtPercentageArray, KrVtFloat64Array),
-    KR_NAMED(KrVtCurrencyArray, KrVtFloat64Array),
-    KR_NAMED(KrVtDateTimeArray, KrVtFloat64Array),
-};
-
-#undef KR_CLASS
-#undef KR_NAMED
 
 // The formattables made at start-up, by the class they are attached to.
 struct Formattable {
@@ -82,6 +73,13 @@ const Formattable kFormattables[] = {
     {&KrVtInt64::desc, make<KrVtInt64Formattable>},
     {&KrVtFloat64::desc, make<KrVtFloat64Formattable>},
     {&KrRxTextString::desc, make<KrRxTextStringFormattable>},
+    {&KrVtPermille::desc, make<KrVtPermilleFormattable>},
+    {&KrVtPercentage::desc, make<KrVtPercentageFormattable>},
+    {&KrVtRatio::desc, make<KrVtRatioFormattable>},
+    {&KrVtCurrency::desc, make<KrVtCurrencyFormattable>},
+    {&KrVtDateTime::desc, make<KrVtDateTimeFormattable>},
+    {&KrVtDate::desc, make<KrVtDateFormattable>},
+    {&KrVtTime::desc, make<KrVtTimeFormattable>},
 };
 
 // The classes whose formattables shutdown removes, in its order.
@@ -109,12 +107,7 @@ void deleteExtension(const wchar_t* className, const KrRxClass* protocolClass) {
 }  // namespace
 
 void krvtInitValueClasses() {
-  for (const ValueClass& entry : kValueClasses) {
-    if (entry.rxInit)
-      entry.rxInit();
-    else
-      krrfNewValueClass(entry.name, entry.parentName, nullptr);
-  }
+  for (RxInit rxInit : kValueClasses) rxInit();
   KrRxImpClass::connectNewClasses(sysClasses);
   KrRfNumber::desc()->addX(KrRfRangeCheckPE::desc(), new KrRfNumberRangeCheckPE());
   for (const Formattable& entry : kFormattables) entry.cls()->addX(KrRxFormattablePE::desc(), entry.make());

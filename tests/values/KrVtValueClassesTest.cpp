@@ -51,12 +51,15 @@ TEST(KrVtValueClassesTest, TheConcreteClassesMakeDefaultInstances) {
 TEST(KrVtValueClassesTest, ExtensionsAreAttachedWhereTheTextFormsAre) {
   KrRxClass* formattable = KrRxFormattablePE::desc();
   for (const wchar_t* name : {L"KrVtBool", L"KrVtInt8", L"KrVtUInt8", L"KrVtInt16", L"KrVtUInt16", L"KrVtInt32",
-                              L"KrVtUInt32", L"KrVtInt64", L"KrVtUInt64", L"KrVtFloat64", L"KrRxTextString"})
+                              L"KrVtUInt32", L"KrVtInt64", L"KrVtUInt64", L"KrVtFloat64", L"KrRxTextString",
+                              L"KrVtRatio", L"KrVtPercentage", L"KrVtPermille", L"KrVtCurrency", L"KrVtDateTime",
+                              L"KrVtDate", L"KrVtTime"})
     EXPECT_NE(krrxFindKrRxClass(name)->queryX(formattable), nullptr) << krUtf8(name);
   for (const wchar_t* name : {L"KrVtFloat32", L"KrVtChar", L"KrRfValue", L"KrRxObject"})
     EXPECT_EQ(krrxFindKrRxClass(name)->queryX(formattable), nullptr) << krUtf8(name);
-  EXPECT_EQ(krrxFindKrRxClass(L"KrVtRatio")->queryX(formattable), krrxFindKrRxClass(L"KrVtFloat64")->queryX(formattable))
-      << "inherited until a text form of its own is attached";
+  EXPECT_NE(krrxFindKrRxClass(L"KrVtRatio")->queryX(formattable), krrxFindKrRxClass(L"KrVtFloat64")->queryX(formattable));
+  EXPECT_EQ(krrxFindKrRxClass(L"KrVtDaytime")->queryX(formattable), krrxFindKrRxClass(L"KrVtFloat64")->queryX(formattable))
+      << "a plain day value has no text form of its own";
   KrRxObject* rangeCheck = KrRfNumber::desc()->queryX(KrRfRangeCheckPE::desc());
   EXPECT_NE(KrRfNumberRangeCheckPE::cast(rangeCheck), nullptr);
 }
