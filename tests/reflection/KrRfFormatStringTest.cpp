@@ -15,6 +15,10 @@ class Door : public KrRxObject {
 
  public:
   double mWidth = 5.0;
+  double mInstalled = 2460082.0;  // 2023-05-17
+  double mSlope = 0.75;
+  double mShare = 0.125;
+  double mPrice = 1234.5;
   int mCount = 3;
   std::wstring mName = L"front";
   Door* mpFrame = nullptr;
@@ -23,8 +27,10 @@ KRRX_CONS_DEFINE_MEMBERS(Door, KrRxObject)
 
 const Door* door(const KrRxObject* object) { return static_cast<const Door*>(object); }
 
-Kesu::ErrorStatus readWidth(const KrRxObject* object, KrRxObject* value) {
-  *KrVtFloat64::cast(value) = door(object)->mWidth;
+// Every value class of a double (dates, ratios, currency) keeps it in the same place.
+template <double Door::*field>
+Kesu::ErrorStatus readDouble(const KrRxObject* object, KrRxObject* value) {
+  static_cast<KrVtFloat64*>(value)->value() = door(object)->*field;
   return Kesu::eOk;
 }
 Kesu::ErrorStatus readCount(const KrRxObject* object, KrRxObject* value) {
@@ -46,13 +52,17 @@ class Described : public ::testing::Environment {
   void SetUp() override {
     Door::rxInit();
     krrxBuildClassHierarchy();
-    mProperties[0] = new TestProperty(L"width", KrVtFloat64::desc(), readWidth);
+    mProperties[0] = new TestProperty(L"width", KrVtFloat64::desc(), readDouble<&Door::mWidth>);
     mProperties[1] = new TestProperty(L"count", KrVtInt32::desc(), readCount);
     mProperties[2] = new TestProperty(L"name", KrRxTextString::desc(), readName);
     mProperties[3] = new TestProperty(L"frame", KrRxObjectPointer::desc(), readFrame);
     mProperties[4] = new TestProperty(L"unreadable", KrVtFloat64::desc());
     mProperties[5] = new TestProperty(L"abstract", KrRfSymbol::desc(), readNothing);
     mProperties[6] = new TestProperty(L"plain", Plant::desc(), readNothing);
+    mProperties[7] = new TestProperty(L"installed", KrVtDate::desc(), readDouble<&Door::mInstalled>);
+    mProperties[8] = new TestProperty(L"slope", KrVtRatio::desc(), readDouble<&Door::mSlope>);
+    mProperties[9] = new TestProperty(L"share", KrVtPercentage::desc(), readDouble<&Door::mShare>);
+    mProperties[10] = new TestProperty(L"price", KrVtCurrency::desc(), readDouble<&Door::mPrice>);
     for (TestProperty* property : mProperties)
       ASSERT_EQ(reflection()->reflectionPE(Door::desc(), true)->addSymbol(property), Kesu::eOk);
   }
@@ -64,7 +74,7 @@ class Described : public ::testing::Environment {
   }
 
  private:
-  TestProperty* mProperties[7];
+  TestProperty* mProperties[11];
 };
 const auto* const kEnvironment = ::testing::AddGlobalTestEnvironment(new Described);
 
@@ -136,6 +146,17 @@ TEST(KrRfFormatString, FillsEveryPlaceholder) {
   EXPECT_EQ(formatted(L"%<name>%%<name>%", &front), L"frontfront");
   EXPECT_EQ(formatted(L"no placeholders", &front), L"no placeholders");
   EXPECT_EQ(formatted(L"", &front), L"");
+}
+
+TEST(KrRfFormatString, EveryKindOfValueIsWrittenByItsOwnFormattable) {
+  Door front;
+  KrVtDate installed;
+  ASSERT_EQ(installed.setDate(2023, 5, 17), Kesu::eOk);
+  EXPECT_EQ(textOf(installed), L"2023-05-17");
+  EXPECT_EQ(formatted(L"%<name>%, since %<installed>%: slope %<slope>%, share %<share>%, price %<price>%", &front),
+            L"front, since 2023-05-17: slope " + textOf(KrVtRatio(0.75)) + L", share " +
+                textOf(KrVtPercentage(0.125)) + L", price " + textOf(KrVtCurrency(1234.5)));
+  EXPECT_NE(textOf(KrVtPercentage(0.125)), textOf(KrVtRatio(0.125)));
 }
 
 TEST(KrRfFormatString, PlaceholdersThatCannotBeFilledDisappear) {
