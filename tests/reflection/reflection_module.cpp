@@ -1,7 +1,9 @@
 // A module that describes a class of its own: during kAppMsgInit it
 // registers "ReflModuleDog" (derived from the tests' "Dog") and adds the
 // symbols "bark" and "wag" to it; during kAppMsgUnload it removes and
-// deletes them, then deletes the class, as every describing module does.
+// deletes them, then deletes the class, as every describing module does. It
+// refuses to unload (and so stays loaded) when the class's extension
+// outlived its last symbol or a symbol was not destroyed.
 
 #include "kr1st.h"
 
@@ -48,8 +50,9 @@ KrRx::AppRetCode unload() {
     delete symbol;
     symbol = nullptr;
   }
+  bool clean = sLiveSymbols == 0 && !krrfReflectionService()->reflectionPE(cls, false);
   deleteKrRxClass(cls);
-  return KrRx::kRetOK;
+  return clean ? KrRx::kRetOK : KrRx::kRetError;
 }
 
 }  // namespace
