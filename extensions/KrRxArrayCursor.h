@@ -14,7 +14,10 @@ class KrRxArrayCursor {
   // True when the position is negative or at least the count.
   bool done() const { return mPosition < 0 || mPosition >= mArray.count; }
   // Moves on; true while the new position is valid.
-  bool next() { return !(++mPosition, done()); }
+  bool next() {
+    ++mPosition;
+    return !done();
+  }
   // The element at the position, or null when out of range.
   T* object() const { return done() ? nullptr : mArray.data[mPosition]; }
   void start() { mPosition = 0; }

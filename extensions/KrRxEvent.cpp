@@ -8,6 +8,9 @@
 KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxEvent, KrRxObject)
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxEventReactor, KrRxObject)
 
+static_assert(sizeof(KrRxEvent) == sizeof(KrRxObject) && sizeof(KrRxEventReactor) == sizeof(KrRxObject),
+              "the event classes hold no data");
+
 void KrRxEventReactor::databaseConstructed(KrDbDatabase*) {}
 void KrRxEventReactor::databaseToBeDestroyed(KrDbDatabase*) {}
 void KrRxEventReactor::fileOpened(KrDbDatabase*, wchar_t*) {}

@@ -13,6 +13,9 @@ KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxOverrule, KrRxOverruleBase)
 KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxQueryXOverrule, KrRxOverrule)
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxOverruleInternals, KrRxObject)
 
+static_assert(sizeof(KrRxOverruleBase) == sizeof(KrRxObject) + sizeof(void*),
+              "an overrule holds one pointer-sized member after the root object");
+
 bool KrRxOverruleInternals::mIsOverruling = false;
 
 // ---- KrRxOverrule: the public face of the static operations ----

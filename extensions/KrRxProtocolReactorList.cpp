@@ -2,6 +2,8 @@
 
 #include "extensions/KrRxProtocolReactorList.h"
 
+#include <algorithm>
+
 #include "runtime/KrRxCoreClass.h"
 
 KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxProtocolReactor, KrRxObject)
@@ -13,9 +15,10 @@ KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxImpProtocolReactorList, KrRxProtocolReactor
 KrRxImpProtocolReactorList::~KrRxImpProtocolReactorList() { mReactors.release(); }
 
 int32_t KrRxImpProtocolReactorList::indexOf(const KrRxProtocolReactor* reactor) const {
-  for (int32_t i = 0; i < mReactors.count; ++i)
-    if (mReactors.data[i] == reactor) return i;
-  return -1;
+  const KrRxProtocolReactor* const* begin = mReactors.data;
+  const KrRxProtocolReactor* const* end = begin + mReactors.count;
+  const KrRxProtocolReactor* const* found = std::find(begin, end, reactor);
+  return found == end ? -1 : static_cast<int32_t>(found - begin);
 }
 
 Kesu::ErrorStatus KrRxImpProtocolReactorList::addReactor(KrRxProtocolReactor* reactor) {

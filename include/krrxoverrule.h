@@ -21,7 +21,6 @@ class KR1ST_API KrRxOverruleBase : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxOverruleBase);
 
  public:
-  KrRxOverruleBase() = default;
   // Whether this overrule wants to act for object.
   virtual bool isApplicable(const KrRxObject* object) const = 0;
 

@@ -4,12 +4,12 @@
 // most one manager, made on first request through the service
 // "ProtocolReactorManager"; the manager keeps one list per reactor class.
 //
-//   auto* services = static_cast<KrRxDictionary*>(krrxSysRegistry()->at(L"ServiceDictionary"));
+//   auto* services = KrRxDictionary::cast(krrxSysRegistry()->at(L"ServiceDictionary"));
 //   auto* factory = KrRxProtocolReactorManagerFactory::cast(services->at(L"ProtocolReactorManager"));
 //   KrRxProtocolReactorList* list =
 //       factory->createReactorManager(MyShape::desc())->createReactorList(MyShapeReactor::desc());
-//   list->addReactor(&myReactor);   // remove it again before it is destroyed
-//   for (KrRxProtocolReactorIterator* it = list->newIterator(); ...)  // the caller deletes it
+//   list->addReactor(&myReactor);   // and removeReactor before myReactor is destroyed
+//   // A notifier walks list->newIterator() (deleting it after) and calls each reactor.
 
 #include "krerrorstatus.h"
 #include "krrxiterator.h"

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <string>
 #include <vector>
 
 #include "kr1st.h"
@@ -28,7 +29,10 @@ void krDeleteClass(KrRxClass* cls) {
   krrxBuildClassHierarchy();  // clears the pending list the descriptor sat in
 }
 
-size_t krBusyHeapBytes() {
+namespace {
+
+// Bytes in use over every heap of the process.
+size_t busyHeapBytes() {
   std::vector<HANDLE> heaps(GetProcessHeaps(0, nullptr) + 16);
   heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
   size_t busy = 0;
@@ -40,4 +44,13 @@ size_t krBusyHeapBytes() {
     HeapUnlock(heap);
   }
   return busy;
+}
+
+}  // namespace
+
+long long krHeapGrowthOver200(const std::function<void()>& cycle) {
+  for (int i = 0; i < 20; ++i) cycle();
+  size_t before = busyHeapBytes();
+  for (int i = 0; i < 200; ++i) cycle();
+  return static_cast<long long>(busyHeapBytes()) - static_cast<long long>(before);
 }

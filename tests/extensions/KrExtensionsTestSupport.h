@@ -1,8 +1,7 @@
 #pragma once
 // Helpers shared by the extension tests: fresh classes and heap accounting.
 
-#include <cstddef>
-#include <string>
+#include <functional>
 
 class KrRxClass;
 
@@ -16,5 +15,5 @@ void krDeleteClassAsOnUnload(KrRxClass* cls);
 // Deletes a descriptor at once: its implementation takes down what it owns.
 void krDeleteClass(KrRxClass* cls);
 
-// Bytes in use over every heap of the process.
-size_t krBusyHeapBytes();
+// How many bytes the process's heaps grow over 200 runs of cycle, after 20 to warm up.
+long long krHeapGrowthOver200(const std::function<void()>& cycle);

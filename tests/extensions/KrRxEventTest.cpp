@@ -37,7 +37,6 @@ long slotOf(F member) {
 long callbackSlot(int n) { return slotOf(&KrRxObject::comparedTo) + 1 + n; }
 
 using Db = KrDbDatabase*;
-using Ids = const KrArray<KrDbObjectId>&;
 using Names = const wchar_t* const*;
 
 // Overrides a few callbacks and records which were called, with what.
@@ -65,16 +64,26 @@ class Recorder : public KrRxEventReactor {
   }
 };
 
+// The host's values, which the callbacks only pass on.
+struct Host {
+  KrDbDatabase database;
+  alignas(8) char opaque[64] = {};
+};
+
 // Sends every callback once through the base interface.
-void fireAll(KrRxEventReactor* reactor, Db db, KrDbIdMapping& map, const KrGeMatrix3d& matrix, Ids ids,
-             const KrDb::UnitsValue& units) {
+void fireAll(KrRxEventReactor* reactor, Host& host) {
+  Db db = &host.database;
+  auto& map = reinterpret_cast<KrDbIdMapping&>(host.opaque);
+  auto& matrix = reinterpret_cast<const KrGeMatrix3d&>(host.opaque);
+  auto& ids = reinterpret_cast<const KrArray<KrDbObjectId>&>(host.opaque);
+  const auto units = static_cast<KrDb::UnitsValue>(3);
+  const auto command = static_cast<KrXrefSubCommand>(1);
   KrDbObjectId id(db);
   const KrGePoint3d* point = nullptr;
   Kesu::ErrorStatus status = Kesu::eOk;
   bool vetoed = false;
   wchar_t name[] = L"drawing.dwg";
   Names none = nullptr;
-  KrXrefSubCommand command = static_cast<KrXrefSubCommand>(1);
   reactor->databaseConstructed(db), reactor->databaseToBeDestroyed(db), reactor->fileOpened(db, name);
   reactor->initialFileOpenComplete(db), reactor->beginSave(db, name), reactor->saveComplete(db, name);
   reactor->abortSave(db), reactor->beginDxfIn(db), reactor->abortDxfIn(db), reactor->dxfInComplete(db);
@@ -101,16 +110,6 @@ void fireAll(KrRxEventReactor* reactor, Db db, KrDbIdMapping& map, const KrGeMat
   EXPECT_EQ(point, nullptr);
 }
 
-// Host values the callbacks only pass on; never read through.
-struct HostValues {
-  KrDbDatabase database;
-  alignas(8) char storage[64] = {};
-  KrDbIdMapping& map() { return *reinterpret_cast<KrDbIdMapping*>(storage); }
-  const KrGeMatrix3d& matrix() { return *reinterpret_cast<const KrGeMatrix3d*>(storage); }
-  Ids ids() { return *reinterpret_cast<const KrArray<KrDbObjectId>*>(storage); }
-  KrDb::UnitsValue units() { return static_cast<KrDb::UnitsValue>(3); }
-};
-
 }  // namespace
 
 TEST(KrRxEventTest, TheClassesAreRegistered) {
@@ -126,20 +125,20 @@ TEST(KrRxEventTest, TheClassesAreRegistered) {
 }
 
 TEST(KrRxEventTest, AReactorThatOverridesNothingTakesEveryCallback) {
-  HostValues host;
+  Host host;
   KrRxEventReactor plain;
-  fireAll(&plain, &host.database, host.map(), host.matrix(), host.ids(), host.units());
+  fireAll(&plain, host);
   // The library's own instance, with the library's own vtable.
   KrRxObject* made = KrRxEventReactor::desc()->create();
-  fireAll(KrRxEventReactor::cast(made), &host.database, host.map(), host.matrix(), host.ids(), host.units());
+  fireAll(KrRxEventReactor::cast(made), host);
   delete made;
 }
 
 TEST(KrRxEventTest, OverriddenCallbacksAreReachedThroughTheBase) {
-  HostValues host, other;
+  Host host, other;
   Recorder recorder;
   KrRxEventReactor* reactor = &recorder;
-  fireAll(reactor, &host.database, host.map(), host.matrix(), host.ids(), host.units());
+  fireAll(reactor, host);
   EXPECT_EQ(recorder.mCalls, (std::vector<std::string>{"wblock(to,from)", "wblock(to,from,id)",
                                                         "wblock(to,from,point)", "comandeered",
                                                         "endUnitsChange"}));

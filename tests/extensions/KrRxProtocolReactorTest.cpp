@@ -173,14 +173,8 @@ TEST(KrRxProtocolReactorTest, AManagerDiesWithItsClass) {
     }
     krDeleteClass(cls);
   };
-  auto growthOver200 = [&](bool withReactors) {
-    for (int i = 0; i < 20; ++i) cycle(withReactors);
-    size_t before = krBusyHeapBytes();
-    for (int i = 0; i < 200; ++i) cycle(withReactors);
-    return static_cast<long long>(krBusyHeapBytes()) - static_cast<long long>(before);
-  };
-  long long bare = growthOver200(false);
-  long long withReactors = growthOver200(true);
+  long long bare = krHeapGrowthOver200([&] { cycle(false); });
+  long long withReactors = krHeapGrowthOver200([&] { cycle(true); });
   // A manager with two lists takes well over 100 bytes; kept per cycle it would show.
   EXPECT_LT(withReactors, bare + 4096) << "bare " << bare << ", with reactors " << withReactors;
 }
