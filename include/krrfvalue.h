@@ -130,8 +130,10 @@ class KR1ST_API KrRfValueBaseT : public KrRfValueAbstractT<T, Base> {
 };
 
 // The conversions of a numeric T: the source is tested against the
-// destination's lowest and highest value, then converted as C++ converts
-// (floats truncate toward zero). A NaN passes every test, infinities none.
+// destination's lowest and highest value (a float bound for an integer as
+// truncated toward zero, so 255.9 fits a byte), then converted as C++
+// converts. A NaN passes every test, infinities none (not even into their
+// own type). Doubles reach 64-bit integers up to 2^63 and 2^64 inclusive.
 template <typename T>
 class KR1ST_API KrRfNumberT : public KrRfValueBaseT<T, KrRfNumber> {
  public:

@@ -34,20 +34,25 @@ const T& storedValueOf(const KrRxObject* other) {
 // Whether source lies within Dst's lowest and highest value. A floating
 // source is compared in double with the limits as double constants (so the
 // highest 64-bit integer becomes 2^63, a NaN passes and an infinity fails,
-// even into its own type), after truncation toward zero when Dst is an
-// integer (255.9 fits a byte as 255); integers are compared exactly.
+// even into its own type); integers are compared exactly. Into an integer,
+// a float counts as truncated toward zero (255.9 fits a byte as 255): the
+// limits then widen to the next integer outward, where that is a double.
 template <typename Dst, typename Src>
 bool fits(Src source) {
   typedef std::numeric_limits<Dst> Limits;
   if constexpr (std::is_integral<Src>::value && std::is_floating_point<Dst>::value) {
     return true;
   } else if constexpr (std::is_floating_point<Src>::value) {
-    double value = std::is_integral<Dst>::value ? std::trunc(static_cast<double>(source)) : source;
-    return !(value > static_cast<double>(Limits::max()) || value < static_cast<double>(Limits::lowest()));
-  } else if constexpr (std::is_signed<Src>::value) {
-    if (source < 0) return Limits::is_signed && static_cast<__int64>(source) >= static_cast<__int64>(Limits::lowest());
-    return static_cast<unsigned __int64>(source) <= static_cast<unsigned __int64>(Limits::max());
+    constexpr double kHighest = static_cast<double>(Limits::max()), kLowest = static_cast<double>(Limits::lowest());
+    constexpr bool kTruncates = std::is_integral<Dst>::value;
+    const double value = source;
+    bool above = kTruncates && kHighest + 1.0 != kHighest ? value >= kHighest + 1.0 : value > kHighest;
+    bool below = kTruncates && kLowest - 1.0 != kLowest ? value <= kLowest - 1.0 : value < kLowest;
+    return !(above || below);
   } else {
+    if constexpr (std::is_signed<Src>::value) {
+      if (source < 0) return Limits::is_signed && static_cast<__int64>(source) >= static_cast<__int64>(Limits::lowest());
+    }
     return static_cast<unsigned __int64>(source) <= static_cast<unsigned __int64>(Limits::max());
   }
 }

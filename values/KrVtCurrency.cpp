@@ -1,6 +1,6 @@
 #include "krvtcurrency.h"
 
-#include "values/KrVtNumberFormattable.h"
+#include "values/KrVtText.h"
 #include "values/KrVtValueClass.h"
 
 KRVT_DEFINE_VALUE_MEMBERS(KrVtCurrency, KrVtFloat64)
@@ -9,12 +9,12 @@ Kesu::ErrorStatus KrVtCurrencyFormattable::toText(const KrRxObject* object, wcha
                                                   const KrRxFormatContext*) {
   const KrVtCurrency* amount = KrVtCurrency::cast(object);
   if (!amount) return Kesu::eInvalidInput;
-  return krvtDoubleToText(amount->value(), L"%.02f", text);
+  return KrVtText::doubleToText(amount->value(), L"%.02f", text);
 }
 
 Kesu::ErrorStatus KrVtCurrencyFormattable::fromText(KrRxObject* object, const wchar_t* text,
                                                     const KrRxFormatContext*) {
   KrVtCurrency* amount = KrVtCurrency::cast(object);
   if (!amount) return Kesu::eInvalidInput;
-  return krvtDoubleFromText(text, amount->value());
+  return KrVtText::doubleFromText(amount->value(), text);
 }

@@ -1,23 +1,14 @@
 #include "values/KrVtDaytimeText.h"
 
 #include <cmath>
-#include <cwchar>
+#include <cstdio>
 
 #include "values/KrVtDayValue.h"
-#include "values/KrVtNumberFormattable.h"
 #include "values/KrVtText.h"
 
 namespace KrVtDaytimeText {
 
 namespace {
-
-// Day values know two of the floating kinds' special texts: "*" for unset and
-// U+221E for the open end (-infinity is no day).
-const wchar_t* specialTextOf(double v) { return std::isnan(v) || v == HUGE_VAL ? krvtSpecialText(v) : nullptr; }
-
-bool readSpecialText(const wchar_t* text, double& v) {
-  return wcscmp(text, L"-\u221E") != 0 && krvtReadSpecialText(text, v);
-}
 
 struct Parts {
   short year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0, millisecond = 0;
@@ -60,21 +51,24 @@ short fractionToMilliseconds(unsigned short fraction) {
 }  // namespace
 
 Kesu::ErrorStatus dateTimeToText(double v, wchar_t*& text) {
-  if (const wchar_t* special = specialTextOf(v)) return krvtNewText(text, L"%ls", special);
+  if (const wchar_t* special = KrVtText::specialTextOf(v, KrVtText::kUnsetAndInfinity))
+    return KrVtText::printText(text, L"%ls", special);
   Parts p = partsOf(v);
   return KrVtText::printText(text, L"%04hd-%02hu-%02huT%02hu:%02hu:%02hu.%03huZ", p.year, p.month, p.day, p.hour,
                              p.minute, p.second, p.millisecond);
 }
 
 Kesu::ErrorStatus dateToText(double v, wchar_t*& text) {
-  if (const wchar_t* special = specialTextOf(v)) return krvtNewText(text, L"%ls", special);
+  if (const wchar_t* special = KrVtText::specialTextOf(v, KrVtText::kUnsetAndInfinity))
+    return KrVtText::printText(text, L"%ls", special);
   Parts p = partsOf(v);
   const wchar_t* format = KrVtDay::isUniversal(v) ? L"%04hd-%02hu-%02huZ" : L"%04hd-%02hu-%02hu";
   return KrVtText::printText(text, format, p.year, p.month, p.day);
 }
 
 Kesu::ErrorStatus timeToText(double v, wchar_t*& text) {
-  if (const wchar_t* special = specialTextOf(v)) return krvtNewText(text, L"%ls", special);
+  if (const wchar_t* special = KrVtText::specialTextOf(v, KrVtText::kUnsetAndInfinity))
+    return KrVtText::printText(text, L"%ls", special);
   // Rows: model time, universal time; columns: with milliseconds, with seconds, minutes only.
   static const wchar_t* const kFormats[2][3] = {
       {L"%02hu:%02hu:%02hu.%03hu", L"%02hu:%02hu:%02hu", L"%02hu:%02hu"},
@@ -87,7 +81,7 @@ Kesu::ErrorStatus timeToText(double v, wchar_t*& text) {
 
 Kesu::ErrorStatus dateTimeFromText(double& v, const wchar_t* text) {
   if (!text) return Kesu::eInvalidInput;
-  if (readSpecialText(text, v)) return Kesu::eOk;
+  if (KrVtText::readSpecialText(text, KrVtText::kUnsetAndInfinity, v)) return Kesu::eOk;
   short year = 0;
   unsigned short month = 0, day = 0, hour = 0, minute = 0, second = 0, millisecond = 0;
   int read = __ms_swscanf(text, L"%hd-%hu-%huT%hu:%hu:%hu.%huZ", &year, &month, &day, &hour, &minute, &second,
@@ -104,7 +98,7 @@ Kesu::ErrorStatus dateTimeFromText(double& v, const wchar_t* text) {
 
 Kesu::ErrorStatus dateFromText(double& v, const wchar_t* text) {
   if (!text) return Kesu::eInvalidInput;
-  if (readSpecialText(text, v)) return Kesu::eOk;
+  if (KrVtText::readSpecialText(text, KrVtText::kUnsetAndInfinity, v)) return Kesu::eOk;
   // The scansets are read by the C runtime's rules: " -/" is the range from space to slash.
   short year = 0;
   unsigned short month = 0, day = 0;
@@ -124,7 +118,7 @@ Kesu::ErrorStatus dateFromText(double& v, const wchar_t* text) {
 
 Kesu::ErrorStatus timeFromText(double& v, const wchar_t* text) {
   if (!text) return Kesu::eInvalidInput;
-  if (readSpecialText(text, v)) return Kesu::eOk;
+  if (KrVtText::readSpecialText(text, KrVtText::kUnsetAndInfinity, v)) return Kesu::eOk;
   // Hour, minute, second and the fraction digits.
   unsigned short numbers[4] = {};
   Separator separators[4] = {};

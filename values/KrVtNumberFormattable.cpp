@@ -30,9 +30,8 @@ template <> const wchar_t* integerFormat<unsigned int>() { return L"%lu"; }
 template <> const wchar_t* integerFormat<__int64>() { return L"%lld"; }
 template <> const wchar_t* integerFormat<unsigned __int64>() { return L"%llu"; }
 
-}  // namespace
-
-Kesu::ErrorStatus krvtNewText(wchar_t*& text, const wchar_t* format, ...) {
+// A new text from malloc printed with format; eOutOfMemory when none can be had.
+Kesu::ErrorStatus newText(wchar_t*& text, const wchar_t* format, ...) {
   wchar_t buffer[512];
   va_list args;
   va_start(args, format);
@@ -46,13 +45,15 @@ Kesu::ErrorStatus krvtNewText(wchar_t*& text, const wchar_t* format, ...) {
   return Kesu::eOk;
 }
 
-const wchar_t* krvtSpecialText(double value) {
+// The special text of an unset ("*") or infinite ("∞", "-∞") double; null for a finite one.
+const wchar_t* specialText(double value) {
   if (std::isnan(value)) return kUnsetText;
   if (std::isinf(value)) return value > 0 ? kInfinityText : kNegativeInfinityText;
   return nullptr;
 }
 
-bool krvtReadSpecialText(const wchar_t* text, double& value) {
+// Reads value from one of the special texts; false for any other text.
+bool readSpecialText(const wchar_t* text, double& value) {
   if (wcscmp(text, kUnsetText) == 0) {
     memcpy(&value, &kUnsetBits, sizeof value);
   } else if (wcscmp(text, kInfinityText) == 0) {
@@ -65,26 +66,30 @@ bool krvtReadSpecialText(const wchar_t* text, double& value) {
   return true;
 }
 
-Kesu::ErrorStatus krvtDoubleToText(double value, const wchar_t* finiteFormat, wchar_t*& text) {
-  const wchar_t* special = krvtSpecialText(value);
-  return special ? krvtNewText(text, L"%ls", special) : krvtNewText(text, finiteFormat, value);
+// Writes a double: its special text, else printed with finiteFormat.
+Kesu::ErrorStatus doubleToText(double value, const wchar_t* finiteFormat, wchar_t*& text) {
+  const wchar_t* special = specialText(value);
+  return special ? newText(text, L"%ls", special) : newText(text, finiteFormat, value);
 }
 
-Kesu::ErrorStatus krvtDoubleFromText(const wchar_t* text, double& value) {
+// Reads a double: a special text, else "%lf" must convert; eInvalidInput otherwise.
+Kesu::ErrorStatus doubleFromText(const wchar_t* text, double& value) {
   if (!text) return Kesu::eInvalidInput;
-  if (krvtReadSpecialText(text, value)) return Kesu::eOk;
+  if (readSpecialText(text, value)) return Kesu::eOk;
   double read = 0.0;
   if (__mingw_swscanf(text, L"%lf", &read) != 1) return Kesu::eInvalidInput;
   value = read;
   return Kesu::eOk;
 }
 
+}  // namespace
+
 // KrVtBoolFormattable
 
 Kesu::ErrorStatus KrVtBoolFormattable::toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext*) {
   const KrVtBool* flag = KrVtBool::cast(object);
   if (!flag) return Kesu::eInvalidInput;
-  return krvtNewText(text, L"%ls", flag->value() ? L"Yes" : L"No");
+  return newText(text, L"%ls", flag->value() ? L"Yes" : L"No");
 }
 
 Kesu::ErrorStatus KrVtBoolFormattable::fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext*) {
@@ -106,13 +111,13 @@ Kesu::ErrorStatus KrVtFloat64Formattable::toText(const KrRxObject* object, wchar
   const KrVtFloat64* number = KrVtFloat64::cast(object);
   if (!number) return Kesu::eInvalidInput;
   double value = number->value();
-  return krvtDoubleToText(value, std::fabs(value) < 1e10 ? L"%.03f" : L"%.03E", text);
+  return doubleToText(value, std::fabs(value) < 1e10 ? L"%.03f" : L"%.03E", text);
 }
 
 Kesu::ErrorStatus KrVtFloat64Formattable::fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext*) {
   KrVtFloat64* number = KrVtFloat64::cast(object);
   if (!number) return Kesu::eInvalidInput;
-  return krvtDoubleFromText(text, number->value());
+  return doubleFromText(text, number->value());
 }
 
 // KrVtIntegerFormattable
@@ -122,7 +127,7 @@ Kesu::ErrorStatus KrVtIntegerFormattable<T>::toText(const KrRxObject* object, wc
                                                     const KrRxFormatContext*) {
   const KrRfValueT<T>* number = KrRfValueT<T>::cast(object);
   if (!number) return Kesu::eInvalidInput;
-  return krvtNewText(text, integerFormat<T>(), number->value());
+  return newText(text, integerFormat<T>(), number->value());
 }
 
 template <typename T>

@@ -1,6 +1,6 @@
 #pragma once
 // The text forms of the plain numbers: yes/no, the eight integer kinds and
-// Float64; and the pieces of them that the other floating kinds share.
+// Float64. Texts are printed and scanned with the C99 wide formats.
 
 #include "krrxformattable.h"
 
@@ -35,14 +35,3 @@ typedef KrVtIntegerFormattable<int> KrVtInt32Formattable;
 typedef KrVtIntegerFormattable<unsigned int> KrVtUInt32Formattable;
 typedef KrVtIntegerFormattable<__int64> KrVtInt64Formattable;
 typedef KrVtIntegerFormattable<unsigned __int64> KrVtUInt64Formattable;
-
-// A new text from malloc printed with format; eOutOfMemory when none can be had.
-Kesu::ErrorStatus krvtNewText(wchar_t*& text, const wchar_t* format, ...);
-// The shared text of an unset ("*") or infinite ("∞", "-∞") double; null for a finite one.
-const wchar_t* krvtSpecialText(double value);
-// Reads value from one of the shared special texts; false for any other text.
-bool krvtReadSpecialText(const wchar_t* text, double& value);
-// Writes a double: its special text, else printed with finiteFormat.
-Kesu::ErrorStatus krvtDoubleToText(double value, const wchar_t* finiteFormat, wchar_t*& text);
-// Reads a double: a special text, else "%lf" must convert; eInvalidInput otherwise.
-Kesu::ErrorStatus krvtDoubleFromText(const wchar_t* text, double& value);

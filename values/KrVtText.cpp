@@ -1,10 +1,40 @@
 #include "values/KrVtText.h"
 
+#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
+
+#include "values/KrVtDayValue.h"
 
 namespace KrVtText {
+
+namespace {
+const wchar_t kUnsetText[] = L"*";
+const wchar_t kInfinityText[] = L"\u221E";
+const wchar_t kNegativeInfinityText[] = L"-\u221E";
+}  // namespace
+
+const wchar_t* specialTextOf(double v, Specials specials) {
+  if (std::isnan(v)) return kUnsetText;
+  if (v == HUGE_VAL) return kInfinityText;
+  if (v == -HUGE_VAL && specials == kWithNegativeInfinity) return kNegativeInfinityText;
+  return nullptr;
+}
+
+bool readSpecialText(const wchar_t* text, Specials specials, double& v) {
+  if (!wcscmp(text, kUnsetText)) {
+    v = KrVtDay::unset();
+  } else if (!wcscmp(text, kInfinityText)) {
+    v = HUGE_VAL;
+  } else if (specials == kWithNegativeInfinity && !wcscmp(text, kNegativeInfinityText)) {
+    v = -HUGE_VAL;
+  } else {
+    return false;
+  }
+  return true;
+}
 
 Kesu::ErrorStatus printText(wchar_t*& text, const wchar_t* format, ...) {
   va_list args, counting;
@@ -24,6 +54,20 @@ Kesu::ErrorStatus printText(wchar_t*& text, const wchar_t* format, ...) {
   }
   va_end(args);
   return status;
+}
+
+Kesu::ErrorStatus doubleToText(double v, const wchar_t* finiteFormat, wchar_t*& text) {
+  if (const wchar_t* special = specialTextOf(v, kWithNegativeInfinity)) return printText(text, L"%ls", special);
+  return printText(text, finiteFormat, v);
+}
+
+Kesu::ErrorStatus doubleFromText(double& v, const wchar_t* text) {
+  if (!text) return Kesu::eInvalidInput;
+  if (readSpecialText(text, kWithNegativeInfinity, v)) return Kesu::eOk;
+  double read = 0;
+  if (__ms_swscanf(text, L"%lf", &read) != 1) return Kesu::eInvalidInput;
+  v = read;
+  return Kesu::eOk;
 }
 
 }  // namespace KrVtText

@@ -7,19 +7,10 @@
 #include <cstring>
 #include <string>
 
+#include "KrVtTextOf.h"
 #include "kr1st.h"
 
 namespace {
-
-// Formats with whatever formattable answers; "" and the status on failure.
-std::wstring format(const KrRxObject* object, Kesu::ErrorStatus* status = nullptr) {
-  wchar_t* text = nullptr;
-  Kesu::ErrorStatus result = krrxFormatObject(object, text, nullptr);
-  if (status) *status = result;
-  std::wstring written = text ? text : L"";
-  free(text);
-  return written;
-}
 
 // A length: a double of its own class under KrVtFloat64, with no formattable of its own.
 class Length : public KrVtFloat64 {
@@ -92,7 +83,7 @@ TEST_F(KrRxFormattableTest, AClassWithoutFormattableIsNotSupported) {
 TEST_F(KrRxFormattableTest, ADescendantFormatsThroughItsAncestorsFormattable) {
   Length length(1234.5);
   EXPECT_STREQ(length.isA()->name(), L"Length");
-  EXPECT_EQ(format(&length), L"1234.500");
+  EXPECT_EQ(krvtTextOf(&length), L"1234.500");
   EXPECT_EQ(krrxParseObject(&length, L"2.25", nullptr), Kesu::eOk);
   EXPECT_EQ(length.value(), 2.25);
 }
@@ -116,7 +107,7 @@ TEST_F(KrRxFormattableTest, TheFormattablesAnswerAndContextArePassedThroughUncha
 
 TEST_F(KrRxFormattableTest, TextStringsAreWrittenAndReadAsTheyAre) {
   KrRxTextString string(L"Gr\u00fc\u00dfe", -1);
-  EXPECT_EQ(format(&string), L"Gr\u00fc\u00dfe");
+  EXPECT_EQ(krvtTextOf(&string), L"Gr\u00fc\u00dfe");
   EXPECT_EQ(krrxParseObject(&string, L" as is ", nullptr), Kesu::eOk);
   EXPECT_STREQ(static_cast<const wchar_t*>(string), L" as is ");
   EXPECT_EQ(krrxParseObject(&string, nullptr, nullptr), Kesu::eInvalidInput);

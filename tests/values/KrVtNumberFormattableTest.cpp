@@ -9,24 +9,16 @@
 #include <limits>
 #include <string>
 
+#include "KrVtTextOf.h"
 #include "kr1st.h"
 
 namespace {
 
-std::wstring format(const KrRxObject* object, Kesu::ErrorStatus* status = nullptr) {
-  wchar_t* text = nullptr;
-  Kesu::ErrorStatus result = krrxFormatObject(object, text, nullptr);
-  if (status) *status = result;
-  std::wstring written = text ? text : L"";
-  free(text);
-  return written;
-}
-
 TEST(KrVtNumberFormattableTest, YesAndNo) {
   KrVtBool flag(true);
-  EXPECT_EQ(format(&flag), L"Yes");
+  EXPECT_EQ(krvtTextOf(&flag), L"Yes");
   flag = false;
-  EXPECT_EQ(format(&flag), L"No");
+  EXPECT_EQ(krvtTextOf(&flag), L"No");
   for (const wchar_t* yes : {L"yes", L"YES", L"Yes"}) {
     flag = false;
     EXPECT_EQ(krrxParseObject(&flag, yes, nullptr), Kesu::eOk);
@@ -41,13 +33,13 @@ TEST(KrVtNumberFormattableTest, YesAndNo) {
   // A flag byte other than 1 still reads as yes.
   unsigned char byte = 2;
   memcpy(flag.addressOf(), &byte, 1);
-  EXPECT_EQ(format(&flag), L"Yes");
+  EXPECT_EQ(krvtTextOf(&flag), L"Yes");
 }
 
 template <typename T>
 void roundTrip(T value, const wchar_t* text) {
   KrRfValueT<T> number(value);
-  EXPECT_EQ(format(&number), text);
+  EXPECT_EQ(krvtTextOf(&number), text);
   KrRfValueT<T> read;
   EXPECT_EQ(krrxParseObject(&read, text, nullptr), Kesu::eOk) << text;
   EXPECT_EQ(read.value(), value) << text;
@@ -82,24 +74,24 @@ TEST(KrVtNumberFormattableTest, AnIntegerFormattableRefusesAnotherKind) {
 
 TEST(KrVtNumberFormattableTest, Float64WritesThreeDecimalsOrTheExponentForm) {
   KrVtFloat64 number(1234.5);
-  EXPECT_EQ(format(&number), L"1234.500");
+  EXPECT_EQ(krvtTextOf(&number), L"1234.500");
   number = -0.0004;
-  EXPECT_EQ(format(&number), L"-0.000");
+  EXPECT_EQ(krvtTextOf(&number), L"-0.000");
   number = 9999999999.0;
-  EXPECT_EQ(format(&number), L"9999999999.000");
+  EXPECT_EQ(krvtTextOf(&number), L"9999999999.000");
   number = 12345678901.0;
-  EXPECT_EQ(format(&number), L"1.235E+10");
+  EXPECT_EQ(krvtTextOf(&number), L"1.235E+10");
   number = -1e10;
-  EXPECT_EQ(format(&number), L"-1.000E+10");
+  EXPECT_EQ(krvtTextOf(&number), L"-1.000E+10");
 }
 
 TEST(KrVtNumberFormattableTest, Float64SpecialTexts) {
   KrVtFloat64 number(std::nan(""));
-  EXPECT_EQ(format(&number), L"*");
+  EXPECT_EQ(krvtTextOf(&number), L"*");
   number = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(format(&number), L"\u221E");
+  EXPECT_EQ(krvtTextOf(&number), L"\u221E");
   number = -std::numeric_limits<double>::infinity();
-  EXPECT_EQ(format(&number), L"-\u221E");
+  EXPECT_EQ(krvtTextOf(&number), L"-\u221E");
 
   EXPECT_EQ(krrxParseObject(&number, L"*", nullptr), Kesu::eOk);
   uint64_t bits;

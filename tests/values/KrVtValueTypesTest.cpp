@@ -14,16 +14,12 @@
 #include "krvtcurrency.h"
 #include "krvtdaytime.h"
 #include "krvtratio.h"
+#include "KrVtTextOf.h"
 
 namespace {
 
-std::wstring formatted(const KrRxObject& object) {
-  wchar_t* text = nullptr;
-  Kesu::ErrorStatus status = krrxFormatObject(&object, text, nullptr);
-  std::wstring result = status == Kesu::eOk && text ? text : L"<status " + std::to_wstring(status) + L">";
-  free(text);
-  return result;
-}
+// The text of a value, also of a temporary one.
+std::wstring formatted(const KrRxObject& object) { return krvtTextOf(&object); }
 
 TEST(KrVtValueTypes, ClassesStandInTheTreeWithTheirParents) {
   KrVtDate date;
