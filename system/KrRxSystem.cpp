@@ -19,8 +19,12 @@
 #include "krrxiterator.h"
 #include "krrxlinkedlist.h"
 #include "krrxset.h"
+#include "krrfpropertyextensions.h"
+#include "krrfprotocolreactors.h"
 #include "krrxtextstring.h"
 #include "modules/KrRxImpDynamicLinker.h"
+#include "reflection/KrRfImpReflectionPE.h"
+#include "reflection/KrRfImpSymbolIterator.h"
 #include "reflection/KrRfReflectionService.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxImpClass.h"
@@ -96,20 +100,20 @@ const LibraryClass kLibraryClasses[] = {
     KR_NAMED(KrRxObjectCategoryPE, KrRxObject),
     KR_CLASS(KrRfReflectionService),
     KR_CLASS(KrRfImpReflectionService),
-    KR_NAMED(KrRfReflectionPE, KrRxObject),
-    KR_NAMED(KrRfImpReflectionPE, KrRfReflectionPE),
-    KR_NAMED(KrRfReflectionReactor, KrRxObject),
-    KR_NAMED(KrRfReflectionProviderPR, KrRxObject),
-    KR_NAMED(KrRfSymbolIterator, KrRxIterator),
-    KR_NAMED(KrRfImpSymbolIterator, KrRfSymbolIterator),
-    KR_NAMED(KrRfSymbol, KrRxObject),
-    KR_NAMED(KrRfProperty, KrRfSymbol),
-    KR_NAMED(KrRxSymbolFilterPR, KrRxObject),
-    KR_NAMED(KrRfPropertyEnumPE, KrRxObject),
-    KR_NAMED(KrRfPropertyRangePE, KrRxObject),
-    KR_NAMED(KrRfPropertyDerivationPE, KrRxObject),
-    KR_NAMED(KrRfArrayPropertyDetailsPE, KrRxObject),
-    KR_NAMED(KrRfArrayPropertyDerivationPE, KrRxObject),
+    KR_CLASS(KrRfReflectionPE),
+    KR_CLASS(KrRfImpReflectionPE),
+    KR_CLASS(KrRfReflectionReactor),
+    KR_CLASS(KrRfReflectionProviderPR),
+    KR_CLASS(KrRfSymbolIterator),
+    KR_CLASS(KrRfImpSymbolIterator),
+    KR_CLASS(KrRfSymbol),
+    KR_CLASS(KrRfProperty),
+    KR_CLASS(KrRxSymbolFilterPR),
+    KR_CLASS(KrRfPropertyEnumPE),
+    KR_CLASS(KrRfPropertyRangePE),
+    KR_CLASS(KrRfPropertyDerivationPE),
+    KR_CLASS(KrRfArrayPropertyDetailsPE),
+    KR_CLASS(KrRfArrayPropertyDerivationPE),
     KR_CLASS(KrRfProxyInterfacePE),
     KR_CLASS(KrRfValue),
     KR_CLASS(KrRfNumber),

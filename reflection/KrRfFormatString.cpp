@@ -1,0 +1,75 @@
+#include "krrfformat.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+
+#include "krrxformattable.h"
+#include "reflection/KrRfTextCopy.h"
+
+namespace {
+
+// Composes into a fixed buffer of kKrrfFormatLimit characters, cutting off
+// whatever would go beyond.
+class Composer {
+ public:
+  Composer() : mLength(0) {}
+
+  void append(const wchar_t* text, size_t count) {
+    size_t room = kKrrfFormatLimit - mLength;
+    if (count > room) count = room;
+    memcpy(mBuffer + mLength, text, count * sizeof(wchar_t));
+    mLength += count;
+  }
+
+  // The formatted value of the property path on object; nothing when it cannot be had.
+  void appendValue(const wchar_t* path, const KrRxObject* object, const KrRxFormatContext* context) {
+    KrRxObject* value = nullptr;
+    if (krrfEvaluateString(path, object, value, true) != Kesu::eOk || !value) return;
+    wchar_t* text = nullptr;
+    if (krrxFormatObject(value, text, context) == Kesu::eOk && text) {
+      append(text, wcslen(text));
+      free(text);
+    }
+    delete value;
+  }
+
+  // A new block of exactly the composed text, or null.
+  wchar_t* copy() const {
+    auto* block = static_cast<wchar_t*>(malloc((mLength + 1) * sizeof(wchar_t)));
+    if (!block) return nullptr;
+    memcpy(block, mBuffer, mLength * sizeof(wchar_t));
+    block[mLength] = 0;
+    return block;
+  }
+
+ private:
+  wchar_t mBuffer[kKrrfFormatLimit];
+  size_t mLength;
+};
+
+}  // namespace
+
+Kesu::ErrorStatus krrfFormatString(const wchar_t* text, const KrRxObject* object,
+                                   const KrRxFormatContext* context, wchar_t*& result) {
+  if (!text || !object) return Kesu::eInvalidInput;
+  Composer composer;
+  const wchar_t* position = text;
+  while (*position) {
+    const wchar_t* open = wcsstr(position, L"%<");
+    if (!open) break;
+    const wchar_t* close = wcsstr(open + 2, L">%");
+    if (!close) break;
+    composer.append(position, size_t(open - position));
+    KrRfTextCopy path(open + 2, size_t(close - open - 2));
+    if (path.text()) composer.appendValue(path.text(), object, context);
+    position = close + 2;
+  }
+  composer.append(position, wcslen(position));
+  if (wchar_t* block = composer.copy()) result = block;
+  return Kesu::eOk;
+}
+
+Kesu::ErrorStatus krrfFormatString(const wchar_t* text, const KrRxObject* object, wchar_t*& result) {
+  return krrfFormatString(text, object, nullptr, result);
+}

@@ -1,0 +1,79 @@
+#include "reflection/KrRfImpSymbolIterator.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "krrxclass.h"
+#include "krrxdictionary.h"
+#include "reflection/KrRfImpReflectionPE.h"
+#include "runtime/KrRxCoreClass.h"
+
+KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRfSymbolIterator, KrRxIterator)
+KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRfImpSymbolIterator, KrRfSymbolIterator)
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+struct KrRfImpSymbolIteratorLayout {
+  static_assert(offsetof(KrRfImpSymbolIterator, mExtensions) == 8, "the extensions to visit follow the vtable");
+  static_assert(offsetof(KrRfImpSymbolIterator, mIndex) == 32, "then the index visited");
+  static_assert(offsetof(KrRfImpSymbolIterator, mpSymbols) == 40, "then the dictionary iterator");
+  static_assert(sizeof(KrRfImpSymbolIterator) == 48, "no further fields");
+};
+#pragma GCC diagnostic pop
+
+KrRfImpSymbolIterator::KrRfImpSymbolIterator(const KrRfImpReflectionPE* start, const KrRxClass* cls)
+    : mIndex(0), mpSymbols(nullptr) {
+  if (cls)
+    collectOwn(start, cls);
+  else
+    collectChain(start);
+  openFromIndex();
+}
+
+KrRfImpSymbolIterator::~KrRfImpSymbolIterator() {
+  delete mpSymbols;
+  mExtensions.release();
+}
+
+// Each class's table answers with its own extension or its nearest
+// ancestor's, so classes without one are passed over.
+void KrRfImpSymbolIterator::collectChain(const KrRfImpReflectionPE* start) {
+  for (const KrRfReflectionPE* pe = start; pe;
+       pe = KrRfImpReflectionPE::extensionOf(pe->ownerClass()->myParent())) {
+    if (const KrRfImpReflectionPE* imp = KrRfImpReflectionPE::cast(pe)) mExtensions.append(imp);
+  }
+  std::reverse(mExtensions.data, mExtensions.data + mExtensions.count);
+}
+
+void KrRfImpSymbolIterator::collectOwn(const KrRfImpReflectionPE* start, const KrRxClass* cls) {
+  if (!start->ownerClass()->isDerivedFrom(cls)) return;
+  const KrRfImpReflectionPE* own = KrRfImpReflectionPE::cast(KrRfImpReflectionPE::ownExtensionOf(cls));
+  if (own) mExtensions.append(own);
+}
+
+bool KrRfImpSymbolIterator::openFromIndex() {
+  for (; mIndex < mExtensions.count; ++mIndex) {
+    mpSymbols = mExtensions.data[mIndex]->symbols().newIterator(KrRx::kDictById);
+    if (!mpSymbols->done()) return true;
+    delete mpSymbols;
+    mpSymbols = nullptr;
+  }
+  return false;
+}
+
+bool KrRfImpSymbolIterator::done() const { return !mpSymbols; }
+
+bool KrRfImpSymbolIterator::next() {
+  if (!mpSymbols) return false;
+  if (mpSymbols->next()) return true;
+  delete mpSymbols;
+  mpSymbols = nullptr;
+  ++mIndex;
+  return openFromIndex();
+}
+
+KrRxObject* KrRfImpSymbolIterator::object() const { return mpSymbols ? mpSymbols->object() : nullptr; }
+
+KrRxClass* KrRfImpSymbolIterator::currentClass() const {
+  return mpSymbols ? mExtensions.data[mIndex]->ownerClass() : nullptr;
+}
