@@ -51,6 +51,19 @@ class Recorded : public KrRxObject {
 };
 KRRX_CONS_DEFINE_MEMBERS(Recorded, KrRxObject)
 
+// Hands the Recorder out as the formattable of negative lengths only.
+class NegativeLengthOverrule : public KrRxQueryXOverrule {
+ public:
+  explicit NegativeLengthOverrule(Recorder* recorder) : mRecorder(recorder) {}
+  bool isApplicable(const KrRxObject* object) const override { return Length::cast(object)->value() < 0; }
+  KrRxObject* queryX(const KrRxObject* object, const KrRxClass* protocolClass) const override {
+    return protocolClass == KrRxFormattablePE::desc() ? mRecorder : KrRxQueryXOverrule::queryX(object, protocolClass);
+  }
+
+ private:
+  Recorder* mRecorder;
+};
+
 class KrRxFormattableTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -103,6 +116,21 @@ TEST_F(KrRxFormattableTest, TheFormattablesAnswerAndContextArePassedThroughUncha
   EXPECT_EQ(recorder->seenContext, nullptr);
   delete Recorded::desc()->delX(KrRxFormattablePE::desc());
   EXPECT_EQ(krrxFormatObject(&object, text, nullptr), Kesu::eNotSupported);
+}
+
+TEST_F(KrRxFormattableTest, AnOverruleChangesWhichFormattableAnswersForTheObjectsItSelects) {
+  Recorder recorder;
+  NegativeLengthOverrule overrule(&recorder);
+  ASSERT_EQ(KrRxOverrule::addOverrule(Length::desc(), &overrule), Kesu::eOk);
+  KrRxOverrule::setIsOverruling(true);
+  Length negative(-1.5), positive(1.5);
+  wchar_t* text = nullptr;
+  EXPECT_EQ(krrxFormatObject(&negative, text, nullptr), 77);
+  EXPECT_EQ(recorder.seenObject, &negative);
+  EXPECT_EQ(krvtTextOf(&positive), L"1.500");
+  KrRxOverrule::setIsOverruling(false);
+  EXPECT_EQ(krvtTextOf(&negative), L"-1.500");
+  EXPECT_EQ(KrRxOverrule::removeOverrule(Length::desc(), &overrule), Kesu::eOk);
 }
 
 TEST_F(KrRxFormattableTest, TextStringsAreWrittenAndReadAsTheyAre) {
