@@ -391,8 +391,15 @@ bool KrRxImpDynamicLinker::initialiseModule(KrRxGenHand* module, const wchar_t* 
   return true;
 }
 
-bool KrRxImpDynamicLinker::failLoad(const wchar_t* name, const wchar_t* key, bool printMessages) {
+// Loading and unloading the same modules over and over must not grow the
+// table, so the ids of entries removed from its end are used again.
+void KrRxImpDynamicLinker::dropTableEntry(const wchar_t* key) {
   mpLoadedModules->remove(key);
+  mpLoadedModules->reclaimFreeTail();
+}
+
+bool KrRxImpDynamicLinker::failLoad(const wchar_t* name, const wchar_t* key, bool printMessages) {
+  dropTableEntry(key);
   if (printMessages) hostMessage(L"Failed to load '%ls'\n", name);
   notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppLoadAborted, name);
   notify(mpReactors, &KrRxDLinkerReactor::rxAppLoadAborted, name);
@@ -448,7 +455,7 @@ bool KrRxImpDynamicLinker::releaseModule(KrRxGenHand* module, const wchar_t* fil
   module->unloadDependencies(this);
   if (module->getVal()) FreeLibrary(static_cast<HMODULE>(module->getVal()));
   module->setVal(nullptr);
-  mpLoadedModules->remove(fileName);
+  dropTableEntry(fileName);
   return true;
 }
 
