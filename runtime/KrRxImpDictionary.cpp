@@ -33,29 +33,43 @@ namespace {
 
 enum SortState : int32_t { kPermanentlySorted = -1, kUnindexed = 0, kBuilding = 1, kIndexed = 2 };
 
-int compareCodeUnits(const wchar_t* a, const wchar_t* b) {
-  while (*a && *a == *b) {
-    ++a;
-    ++b;
-  }
-  return int(*a) - int(*b);
+// The comparisons of the two orders, from unit `from` on, the units before it
+// being known to match; `from` becomes the length of the matching prefix.
+
+int compareCodeUnitsFrom(const wchar_t* a, const wchar_t* b, size_t& from) {
+  size_t i = from;
+  while (a[i] && a[i] == b[i]) ++i;
+  from = i;
+  return int(a[i]) - int(b[i]);
 }
 
 // Equal units need no folding. ASCII letters are folded here; from the first
 // other difference on, the C runtime compares, lowercasing in the current locale.
-int compareIgnoringCase(const wchar_t* a, const wchar_t* b) {
-  for (;; ++a, ++b) {
-    wchar_t x = *a;
-    wchar_t y = *b;
+int compareIgnoringCaseFrom(const wchar_t* a, const wchar_t* b, size_t& from) {
+  for (size_t i = from;; ++i) {
+    wchar_t x = a[i];
+    wchar_t y = b[i];
     if (x == y) {
-      if (!x) return 0;
-      continue;
+      if (x) continue;
+      from = i;
+      return 0;
     }
-    if (x >= 0x80 || y >= 0x80) return _wcsicmp(a, b);
+    from = i;
+    if (x >= 0x80 || y >= 0x80) return _wcsicmp(a + i, b + i);
     if (x >= L'A' && x <= L'Z') x += L'a' - L'A';
     if (y >= L'A' && y <= L'Z') y += L'a' - L'A';
     if (x != y) return int(x) - int(y);
   }
+}
+
+int compareCodeUnits(const wchar_t* a, const wchar_t* b) {
+  size_t from = 0;
+  return compareCodeUnitsFrom(a, b, from);
+}
+
+int compareIgnoringCase(const wchar_t* a, const wchar_t* b) {
+  size_t from = 0;
+  return compareIgnoringCaseFrom(a, b, from);
 }
 
 KrRxObject* deleteObject(KrRxObject* object) {
@@ -95,24 +109,33 @@ bool KrRxImpDictionary::hasKeyIndex() const {
 }
 
 // The comparison is a template argument so that it is inlined in the loop.
-template <int (*compare)(const wchar_t*, const wchar_t*)>
+// Every key between the last ones found below and not below the given key
+// shares the shorter of their matching prefixes with it: comparisons skip it.
+template <int (*compare)(const wchar_t*, const wchar_t*, size_t&)>
 int32_t KrRxImpDictionary::lowerBoundWith(const wchar_t* key) const {
   const Entry* entries = mEntries.data;
   const uint32_t* index = mKeyIndex.data;
   int32_t low = 1;
   int32_t high = mKeyIndex.count;
+  size_t belowPrefix = 0;
+  size_t notBelowPrefix = 0;
   while (low < high) {
     int32_t middle = low + (high - low) / 2;
-    if (compare(entries[index[middle]].key, key) < 0)
+    size_t prefix = std::min(belowPrefix, notBelowPrefix);
+    if (compare(entries[index[middle]].key, key, prefix) < 0) {
       low = middle + 1;
-    else
+      belowPrefix = prefix;
+    } else {
       high = middle;
+      notBelowPrefix = prefix;
+    }
   }
   return low;
 }
 
 int32_t KrRxImpDictionary::lowerBound(const wchar_t* key) const {
-  return mCompare == compareCodeUnits ? lowerBoundWith<compareCodeUnits>(key) : lowerBoundWith<compareIgnoringCase>(key);
+  return mCompare == compareCodeUnits ? lowerBoundWith<compareCodeUnitsFrom>(key)
+                                      : lowerBoundWith<compareIgnoringCaseFrom>(key);
 }
 
 void KrRxImpDictionary::indexInsert(unsigned int id) {

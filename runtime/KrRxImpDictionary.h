@@ -4,6 +4,7 @@
 // unsorted one builds only while key-order iterators are open.
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include "krrxdictionary.h"
@@ -73,7 +74,7 @@ class KR1ST_API KrRxImpDictionary : public KrRxDictionary {
   bool hasKeyIndex() const;
   // First position of keyIndex (from 1) whose key does not compare below key.
   int32_t lowerBound(const wchar_t* key) const;
-  template <int (*compare)(const wchar_t*, const wchar_t*)>
+  template <int (*compare)(const wchar_t*, const wchar_t*, size_t&)>
   int32_t lowerBoundWith(const wchar_t* key) const;
   // The id of key, or 0; position is where key is or would go in keyIndex
   // (0 while there is no index).
