@@ -87,7 +87,8 @@ HGLOBAL readVersionInfo(HMODULE module) {
 // checked by the loader.
 KrRxPeImage mappedImage(HMODULE module) {
   auto* base = reinterpret_cast<const unsigned char*>(module);
-  auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
+  auto* dosHeader = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+  auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dosHeader->e_lfanew);
   return KrRxPeImage(base, headers->OptionalHeader.SizeOfImage, KrRxPeImage::kMappedLayout);
 }
 

@@ -583,7 +583,8 @@ bool KrRxImpDynamicLinker::initListedModules(const wchar_t* listFile) {
   bool allLoaded = true;
   std::u16string line;
   while (reader.nextLine(line))
-    if (!line.empty()) allLoaded = loadModule(reinterpret_cast<const wchar_t*>(line.c_str()), false, true) && allLoaded;
+    if (!line.empty())
+      allLoaded = loadModule(reinterpret_cast<const wchar_t*>(line.c_str()), false, true) && allLoaded;
   return allLoaded;
 }
 

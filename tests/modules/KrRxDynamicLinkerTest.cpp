@@ -531,6 +531,8 @@ class RegisteredAppTest : public LinkerTest {
   }
   void TearDown() override {
     for (const std::wstring& name : mRegistered) krrxUnregisterApp(name.c_str(), true);
+    RegDeleteTreeW(HKEY_CURRENT_USER, kTestRoot);
+    RegDeleteKeyW(HKEY_CURRENT_USER, L"SOFTWARE\\KestruneTests");  // once no other test's key is left in it
     krrxSetKestruneRegistryKey(mSavedKey.c_str());
     LinkerTest::TearDown();
   }
@@ -548,6 +550,7 @@ class RegisteredAppTest : public LinkerTest {
     ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), trigger, REG_SZ, L"", sizeof(wchar_t)), ERROR_SUCCESS);
   }
 
+  static constexpr const wchar_t* kTestRoot = L"SOFTWARE\\KestruneTests\\Linker";
   static constexpr const wchar_t* kKey = L"SOFTWARE\\KestruneTests\\Linker\\R20.5";
   std::wstring mSavedKey;
   std::vector<std::wstring> mRegistered;
