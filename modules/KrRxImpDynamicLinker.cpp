@@ -187,6 +187,16 @@ HMODULE loadInItsDirectory(const std::wstring& path, DWORD& error) {
   return module;
 }
 
+// What can be read from an open file, up to its end or the first error.
+std::string readWholeFile(HANDLE file) {
+  static_assert(sizeof(wchar_t) == sizeof(char16_t), "module names are UTF-16");
+  std::string bytes;
+  char chunk[4096];
+  DWORD read;
+  while (ReadFile(file, chunk, sizeof chunk, &read, nullptr) && read) bytes.append(chunk, read);
+  return bytes;
+}
+
 HMODULE loadTrustLibrary() {
   HMODULE kernel = GetModuleHandleW(L"KERNEL32.DLL");
   return kernel && GetProcAddress(kernel, "GetLocaleInfoEx") ? LoadLibraryW(L"WINTRUST.DLL") : nullptr;
@@ -381,8 +391,15 @@ bool KrRxImpDynamicLinker::initialiseModule(KrRxGenHand* module, const wchar_t* 
   return true;
 }
 
-bool KrRxImpDynamicLinker::failLoad(const wchar_t* name, const wchar_t* key, bool printMessages) {
+// Loading and unloading the same modules over and over must not grow the
+// table, so the ids of entries removed from its end are used again.
+void KrRxImpDynamicLinker::dropTableEntry(const wchar_t* key) {
   mpLoadedModules->remove(key);
+  mpLoadedModules->reclaimFreeTail();
+}
+
+bool KrRxImpDynamicLinker::failLoad(const wchar_t* name, const wchar_t* key, bool printMessages) {
+  dropTableEntry(key);
   if (printMessages) hostMessage(L"Failed to load '%ls'\n", name);
   notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppLoadAborted, name);
   notify(mpReactors, &KrRxDLinkerReactor::rxAppLoadAborted, name);
@@ -438,7 +455,7 @@ bool KrRxImpDynamicLinker::releaseModule(KrRxGenHand* module, const wchar_t* fil
   module->unloadDependencies(this);
   if (module->getVal()) FreeLibrary(static_cast<HMODULE>(module->getVal()));
   module->setVal(nullptr);
-  mpLoadedModules->remove(fileName);
+  dropTableEntry(fileName);
   return true;
 }
 
@@ -560,12 +577,14 @@ bool KrRxImpDynamicLinker::initListedModules(const wchar_t* listFile) {
   HANDLE file = CreateFileW(listFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                             FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   if (file == INVALID_HANDLE_VALUE) return false;
-  KrRxListFileReader reader(file);
-  bool allLoaded = true;
-  std::wstring line;
-  while (reader.nextLine(line))
-    if (!line.empty()) allLoaded = loadModule(line.c_str(), false, true) && allLoaded;
+  std::string bytes = readWholeFile(file);
   CloseHandle(file);
+  KrRxListFileReader reader(bytes.data(), bytes.size());
+  bool allLoaded = true;
+  std::u16string line;
+  while (reader.nextLine(line))
+    if (!line.empty())
+      allLoaded = loadModule(reinterpret_cast<const wchar_t*>(line.c_str()), false, true) && allLoaded;
   return allLoaded;
 }
 

@@ -92,6 +92,7 @@ class KR1ST_API KrRxImpDynamicLinker : public KrRxDynamicLinker {
   void offerToReactors(void* probe) const;
   bool registerLoadedModule(const wchar_t* name, bool printMessages, bool asCommand, bool reactorsFirst);
   bool initialiseModule(KrRxGenHand* module, const wchar_t* name, bool asCommand);
+  void dropTableEntry(const wchar_t* key);
   bool failLoad(const wchar_t* name, const wchar_t* key, bool printMessages);
   // The names of the registered applications, in the registry's list order.
   std::vector<std::wstring> registeredAppNames();

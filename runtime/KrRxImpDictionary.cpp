@@ -33,26 +33,43 @@ namespace {
 
 enum SortState : int32_t { kPermanentlySorted = -1, kUnindexed = 0, kBuilding = 1, kIndexed = 2 };
 
-int compareCodeUnits(const wchar_t* a, const wchar_t* b) {
-  while (*a && *a == *b) {
-    ++a;
-    ++b;
-  }
-  return int(*a) - int(*b);
+// The comparisons of the two orders, from unit `from` on, the units before it
+// being known to match; `from` becomes the length of the matching prefix.
+
+int compareCodeUnitsFrom(const wchar_t* a, const wchar_t* b, size_t& from) {
+  size_t i = from;
+  while (a[i] && a[i] == b[i]) ++i;
+  from = i;
+  return int(a[i]) - int(b[i]);
 }
 
-// Folds ASCII letters itself and leaves any other unit to the C runtime,
-// which lowercases in the current locale.
-int compareIgnoringCase(const wchar_t* a, const wchar_t* b) {
-  for (;; ++a, ++b) {
-    wchar_t x = *a;
-    wchar_t y = *b;
-    if (x >= 0x80 || y >= 0x80) return _wcsicmp(a, b);
+// Equal units need no folding. ASCII letters are folded here; from the first
+// other difference on, the C runtime compares, lowercasing in the current locale.
+int compareIgnoringCaseFrom(const wchar_t* a, const wchar_t* b, size_t& from) {
+  for (size_t i = from;; ++i) {
+    wchar_t x = a[i];
+    wchar_t y = b[i];
+    if (x == y) {
+      if (x) continue;
+      from = i;
+      return 0;
+    }
+    from = i;
+    if (x >= 0x80 || y >= 0x80) return _wcsicmp(a + i, b + i);
     if (x >= L'A' && x <= L'Z') x += L'a' - L'A';
     if (y >= L'A' && y <= L'Z') y += L'a' - L'A';
     if (x != y) return int(x) - int(y);
-    if (!x) return 0;
   }
+}
+
+int compareCodeUnits(const wchar_t* a, const wchar_t* b) {
+  size_t from = 0;
+  return compareCodeUnitsFrom(a, b, from);
+}
+
+int compareIgnoringCase(const wchar_t* a, const wchar_t* b) {
+  size_t from = 0;
+  return compareIgnoringCaseFrom(a, b, from);
 }
 
 KrRxObject* deleteObject(KrRxObject* object) {
@@ -91,17 +108,34 @@ bool KrRxImpDictionary::hasKeyIndex() const {
   return state != kUnindexed && state != kBuilding;
 }
 
-int32_t KrRxImpDictionary::lowerBound(const wchar_t* key) const {
+// The comparison is a template argument so that it is inlined in the loop.
+// Every key between the last ones found below and not below the given key
+// shares the shorter of their matching prefixes with it: comparisons skip it.
+template <int (*compare)(const wchar_t*, const wchar_t*, size_t&)>
+int32_t KrRxImpDictionary::lowerBoundWith(const wchar_t* key) const {
+  const Entry* entries = mEntries.data;
+  const uint32_t* index = mKeyIndex.data;
   int32_t low = 1;
   int32_t high = mKeyIndex.count;
+  size_t belowPrefix = 0;
+  size_t notBelowPrefix = 0;
   while (low < high) {
     int32_t middle = low + (high - low) / 2;
-    if (mCompare(mEntries.data[mKeyIndex.data[middle]].key, key) < 0)
+    size_t prefix = std::min(belowPrefix, notBelowPrefix);
+    if (compare(entries[index[middle]].key, key, prefix) < 0) {
       low = middle + 1;
-    else
+      belowPrefix = prefix;
+    } else {
       high = middle;
+      notBelowPrefix = prefix;
+    }
   }
   return low;
+}
+
+int32_t KrRxImpDictionary::lowerBound(const wchar_t* key) const {
+  return mCompare == compareCodeUnits ? lowerBoundWith<compareCodeUnitsFrom>(key)
+                                      : lowerBoundWith<compareIgnoringCaseFrom>(key);
 }
 
 void KrRxImpDictionary::indexInsert(unsigned int id) {
@@ -115,19 +149,25 @@ void KrRxImpDictionary::indexRemove(unsigned int id) {
   if (position < mKeyIndex.count) mKeyIndex.removeAt(position);
 }
 
-unsigned int KrRxImpDictionary::idAt(const wchar_t* key) const {
+unsigned int KrRxImpDictionary::find(const wchar_t* key, int32_t& position) const {
+  position = 0;
   if (!key) return 0;
   if (!hasKeyIndex()) {
-    for (int32_t position = 0; position < mEntries.count; ++position) {
-      const wchar_t* stored = mEntries.data[position].key;
-      if (stored == key || (stored && mCompare(stored, key) == 0)) return unsigned(position);
+    for (int32_t id = 0; id < mEntries.count; ++id) {
+      const wchar_t* stored = mEntries.data[id].key;
+      if (stored == key || (stored && mCompare(stored, key) == 0)) return unsigned(id);
     }
     return 0;
   }
-  int32_t position = lowerBound(key);
+  position = lowerBound(key);
   if (position == mKeyIndex.count) return 0;
   unsigned int id = mKeyIndex.data[position];
   return mCompare(mEntries.data[id].key, key) == 0 ? id : 0;
+}
+
+unsigned int KrRxImpDictionary::idAt(const wchar_t* key) const {
+  int32_t position;
+  return find(key, position);
 }
 
 KrRxObject* KrRxImpDictionary::at(unsigned int id) const {
@@ -158,7 +198,8 @@ KrRxObject* KrRxImpDictionary::atPut(unsigned int id, KrRxObject* object) {
 }
 
 KrRxObject* KrRxImpDictionary::atPut(const wchar_t* key, KrRxObject* object, unsigned int& id) {
-  id = idAt(key);
+  int32_t position;
+  id = find(key, position);
   if (id) return atPut(id, object);
   if (!key || !accepts(object)) return nullptr;
   wchar_t* copy = __krStrdup(key);
@@ -168,7 +209,7 @@ KrRxObject* KrRxImpDictionary::atPut(const wchar_t* key, KrRxObject* object, uns
   }
   id = unsigned(mEntries.count - 1);
   ++mLiveCount;
-  if (copy) indexInsert(id);
+  if (copy && hasKeyIndex()) mKeyIndex.insertAt(position, id, kIdLargeIncrement);
   return nullptr;
 }
 
@@ -195,6 +236,18 @@ bool KrRxImpDictionary::atKeyAndIdPut(const wchar_t* key, unsigned int id, KrRxO
 KrRxObject* KrRxImpDictionary::remove(unsigned int id) {
   if (!has(id)) return nullptr;
   indexRemove(id);
+  return release(id);
+}
+
+KrRxObject* KrRxImpDictionary::remove(const wchar_t* key) {
+  int32_t position;
+  unsigned int id = find(key, position);
+  if (!has(id)) return nullptr;
+  if (hasKeyIndex()) mKeyIndex.removeAt(position);
+  return release(id);
+}
+
+KrRxObject* KrRxImpDictionary::release(unsigned int id) {
   Entry& entry = mEntries.data[id];
   __krFree(entry.key);
   entry.key = nullptr;
@@ -204,7 +257,6 @@ KrRxObject* KrRxImpDictionary::remove(unsigned int id) {
   return removed;
 }
 
-KrRxObject* KrRxImpDictionary::remove(const wchar_t* key) { return remove(idAt(key)); }
 
 bool KrRxImpDictionary::resetKey(unsigned int id, const wchar_t* newKey) {
   if (!newKey || !has(id) || has(newKey)) return false;
@@ -253,6 +305,10 @@ void KrRxImpDictionary::resetToEmpty() {
 void KrRxImpDictionary::removeAll() {
   disposeEntries();
   resetToEmpty();
+}
+
+void KrRxImpDictionary::reclaimFreeTail() {
+  while (mEntries.count > 1 && !mEntries.data[mEntries.count - 1].key) --mEntries.count;
 }
 
 void KrRxImpDictionary::openKeyOrder() const {

@@ -4,6 +4,7 @@
 // unsorted one builds only while key-order iterators are open.
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include "krrxdictionary.h"
@@ -46,6 +47,10 @@ class KR1ST_API KrRxImpDictionary : public KrRxDictionary {
   // Drops every entry (deleting the objects when the dictionary owns them);
   // ids start again at 1. Not while key-order iterators are open.
   void removeAll();
+  // Forgets the free positions after the last entry, so that the next atPut
+  // reuses their ids and the table does not grow. Only for tables whose
+  // callers keep no ids of removed entries (the loaded-module table).
+  void reclaimFreeTail();
 
   // The sort state: -1 permanently sorted; 0 no key index; 1 an index is
   // being built; n >= 2 an index shared by n - 1 key-order iterators.
@@ -69,8 +74,15 @@ class KR1ST_API KrRxImpDictionary : public KrRxDictionary {
   bool hasKeyIndex() const;
   // First position of keyIndex (from 1) whose key does not compare below key.
   int32_t lowerBound(const wchar_t* key) const;
+  template <int (*compare)(const wchar_t*, const wchar_t*, size_t&)>
+  int32_t lowerBoundWith(const wchar_t* key) const;
+  // The id of key, or 0; position is where key is or would go in keyIndex
+  // (0 while there is no index).
+  unsigned int find(const wchar_t* key, int32_t& position) const;
   void indexInsert(unsigned int id);
   void indexRemove(unsigned int id);
+  // Frees the key of a live entry no longer in keyIndex and disposes its object.
+  KrRxObject* release(unsigned int id);
   void disposeEntries();
   void resetToEmpty();
 

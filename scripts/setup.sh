@@ -2,8 +2,10 @@
 # Installs what building and running the project needs on Debian 12, quietly
 # and only when something is missing. Run as root.
 set -e
-# wine (the command) comes with wine64 as a recommended package.
-packages="g++-mingw-w64-x86-64-posix wine64 wine googletest osslsigncode cmake ninja-build openssl"
+# wine (the command) comes with wine64 as a recommended package; clang and
+# its run-time libraries build the native fuzz targets.
+packages="g++-mingw-w64-x86-64-posix wine64 wine googletest osslsigncode cmake ninja-build openssl
+  clang libclang-rt-14-dev"
 missing=""
 for package in $packages; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "ok installed" || missing="$missing $package"

@@ -98,6 +98,10 @@ class AppRegistryTest : public ::testing::Test {
       RegDeleteTreeW(hive, mRoot.c_str());
       RegDeleteKeyW(hive, L"SOFTWARE\\KestruneTest");  // only once no test key is left below it
       for (const wchar_t* name : {L"Tool", L"Shared"}) RegDeleteTreeW(hive, hostAppKey(app(name)).c_str());
+      // The host's keys above them, once empty: they were made for this test.
+      RegDeleteKeyW(hive, (std::wstring(kHostProductKey) + L"\\Applications").c_str());
+      RegDeleteKeyW(hive, kHostProductKey);
+      RegDeleteKeyW(hive, L"Software\\Kestrune");
     }
   }
 

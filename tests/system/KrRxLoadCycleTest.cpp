@@ -6,32 +6,29 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <vector>
+
+#include "KrHeapUsage.h"
 
 namespace {
-
-// Bytes in use over every heap of the process.
-size_t busyHeapBytes() {
-  std::vector<HANDLE> heaps(GetProcessHeaps(0, nullptr) + 16);
-  heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
-  size_t busy = 0;
-  for (HANDLE heap : heaps) {
-    HeapLock(heap);
-    PROCESS_HEAP_ENTRY entry = {};
-    while (HeapWalk(heap, &entry))
-      if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) busy += entry.cbData;
-    HeapUnlock(heap);
-  }
-  return busy;
-}
 
 // Heap growth over 200 load-and-free cycles of a module, after a warm-up.
 template <typename Cycle>
 long long heapGrowthOver200(Cycle cycle) {
-  for (int i = 0; i < 20; ++i) cycle();
-  size_t before = busyHeapBytes();
-  for (int i = 0; i < 200; ++i) cycle();
-  return static_cast<long long>(busyHeapBytes()) - static_cast<long long>(before);
+  return krHeapGrowth(20, 200, cycle);
+}
+
+// The thread-local-storage slots that cycles runs of cycle leave taken: the
+// lowest free slot moves up by one for each slot that stays allocated.
+template <typename Cycle>
+int tlsSlotsKept(int cycles, Cycle cycle) {
+  auto lowestFreeSlot = [] {
+    DWORD slot = TlsAlloc();
+    TlsFree(slot);
+    return int(slot);
+  };
+  int before = lowestFreeSlot();
+  for (int i = 0; i < cycles; ++i) cycle();
+  return lowestFreeSlot() - before;
 }
 
 void loadAndFreeEmptyModule() {
@@ -68,4 +65,17 @@ TEST(KrRxLoadCycleTest, TwoHundredLoadsLeaveTheHeapAsItWas) {
   // The thread library's bookkeeping grows in steps of a few KiB; a leak of
   // one block of 80 bytes or more per cycle would still show.
   EXPECT_LT(runtime, peer + 16384);
+}
+
+// The thread library linked into every module of this toolchain takes one
+// slot at its first use in each loaded copy and never gives it back, so any
+// such module (the library as much as an empty C++ DLL) can be loaded and
+// freed only about a thousand times in one process: the system has 1,088
+// slots. The library itself must take no slot beyond that one.
+TEST(KrRxLoadCycleTest, EachLoadKeepsOnlyTheThreadLibrarysSlot) {
+  ASSERT_EQ(GetModuleHandleW(L"kr1st20.dll"), nullptr);
+  int runtime = tlsSlotsKept(50, loadAndFree);
+  int peer = tlsSlotsKept(50, loadAndFreeEmptyModule);
+  std::printf("TLS slots kept over 50 cycles: runtime %d, empty module %d\n", runtime, peer);
+  EXPECT_EQ(runtime, peer);
 }
