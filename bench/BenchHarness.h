@@ -7,6 +7,13 @@
 
 #include <cstdio>
 
+// A runtime class CLASS under PARENT, for benchmarks that need class chains.
+#define KR_BENCH_CLASS(CLASS, PARENT) \
+  class CLASS : public PARENT {       \
+    KRRX_DECLARE_MEMBERS(CLASS);      \
+  };                                  \
+  KRRX_CONS_DEFINE_MEMBERS(CLASS, PARENT)
+
 namespace bench {
 
 // Keeps the optimiser from dropping a computed value.

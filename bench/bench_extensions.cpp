@@ -13,19 +13,13 @@
 namespace {
 
 // Five levels of runtime classes; objects are made of the deepest.
-#define KR_LEVEL(CLASS, PARENT)  \
-  class CLASS : public PARENT {  \
-    KRRX_DECLARE_MEMBERS(CLASS); \
-  };                             \
-  KRRX_CONS_DEFINE_MEMBERS(CLASS, PARENT)
-
-KR_LEVEL(Level1, KrRxObject)
-KR_LEVEL(Level2, Level1)
-KR_LEVEL(Level3, Level2)
-KR_LEVEL(Level4, Level3)
-KR_LEVEL(Level5, Level4)
-KR_LEVEL(Probe, KrRxObject)
-KR_LEVEL(Listener, KrRxProtocolReactor)
+KR_BENCH_CLASS(Level1, KrRxObject)
+KR_BENCH_CLASS(Level2, Level1)
+KR_BENCH_CLASS(Level3, Level2)
+KR_BENCH_CLASS(Level4, Level3)
+KR_BENCH_CLASS(Level5, Level4)
+KR_BENCH_CLASS(Probe, KrRxObject)
+KR_BENCH_CLASS(Listener, KrRxProtocolReactor)
 
 // A query overrule that never applies: every lookup asks it and moves on.
 class NeverQueryX : public KrRxQueryXOverrule {

@@ -10,20 +10,14 @@
 namespace {
 
 // Eight levels of runtime classes, each a C++ class registered under its name.
-#define KR_LEVEL(CLASS, PARENT)             \
-  class CLASS : public PARENT {             \
-    KRRX_DECLARE_MEMBERS(CLASS);            \
-  };                                        \
-  KRRX_CONS_DEFINE_MEMBERS(CLASS, PARENT)
-
-KR_LEVEL(Level1, KrRxObject)
-KR_LEVEL(Level2, Level1)
-KR_LEVEL(Level3, Level2)
-KR_LEVEL(Level4, Level3)
-KR_LEVEL(Level5, Level4)
-KR_LEVEL(Level6, Level5)
-KR_LEVEL(Level7, Level6)
-KR_LEVEL(Level8, Level7)
+KR_BENCH_CLASS(Level1, KrRxObject)
+KR_BENCH_CLASS(Level2, Level1)
+KR_BENCH_CLASS(Level3, Level2)
+KR_BENCH_CLASS(Level4, Level3)
+KR_BENCH_CLASS(Level5, Level4)
+KR_BENCH_CLASS(Level6, Level5)
+KR_BENCH_CLASS(Level7, Level6)
+KR_BENCH_CLASS(Level8, Level7)
 
 // The same depth as a plain polymorphic C++ hierarchy.
 struct Plain0 {

@@ -1,7 +1,5 @@
 #pragma once
-// Helpers shared by the extension tests: fresh classes and heap accounting.
-
-#include <functional>
+// Helpers shared by the extension tests: fresh classes and their deletion.
 
 class KrRxClass;
 
@@ -14,6 +12,3 @@ void krDeleteClassAsOnUnload(KrRxClass* cls);
 
 // Deletes a descriptor at once: its implementation takes down what it owns.
 void krDeleteClass(KrRxClass* cls);
-
-// How many bytes the process's heaps grow over 200 runs of cycle, after 20 to warm up.
-long long krHeapGrowthOver200(const std::function<void()>& cycle);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "KrExtensionsTestSupport.h"
+#include "KrHeapUsage.h"
 #include "kr1st.h"
 #include "runtime/KrRxImpClass.h"
 
@@ -263,7 +264,7 @@ TEST(KrRxOverruleLifetimeTest, AClassTakesItsOverruleListAlong) {
     if (withOverrule) KrRxOverrule::addOverrule(cls, &overrule, false);
     krDeleteClass(cls);
   };
-  long long bare = krHeapGrowthOver200([&] { cycle(false); });
-  long long withOverrule = krHeapGrowthOver200([&] { cycle(true); });
+  long long bare = krHeapGrowth(20, 200, [&] { cycle(false); });
+  long long withOverrule = krHeapGrowth(20, 200, [&] { cycle(true); });
   EXPECT_LT(withOverrule, bare + 4096) << "bare " << bare << ", with an overrule " << withOverrule;
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "KrExtensionsTestSupport.h"
+#include "KrHeapUsage.h"
 #include "kr1st.h"
 #include "runtime/KrRxImpClass.h"
 
@@ -173,8 +174,8 @@ TEST(KrRxProtocolReactorTest, AManagerDiesWithItsClass) {
     }
     krDeleteClass(cls);
   };
-  long long bare = krHeapGrowthOver200([&] { cycle(false); });
-  long long withReactors = krHeapGrowthOver200([&] { cycle(true); });
+  long long bare = krHeapGrowth(20, 200, [&] { cycle(false); });
+  long long withReactors = krHeapGrowth(20, 200, [&] { cycle(true); });
   // A manager with two lists takes well over 100 bytes; kept per cycle it would show.
   EXPECT_LT(withReactors, bare + 4096) << "bare " << bare << ", with reactors " << withReactors;
 }
