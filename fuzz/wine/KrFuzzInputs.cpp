@@ -61,7 +61,8 @@ KrFuzzInputs::KrFuzzInputs(const KrFuzzTarget& target, uint64_t seed)
   for (size_t digits = 1; digits <= kMaxMutatedLength; digits *= 2)
     for (const wchar_t* exponent : {L"", L"e-400", L"e-324", L"e-308", L"e-200", L"e-22", L"e22", L"e200", L"e308",
                                     L"e400", L"e3012", L"e-3012"})
-      for (wchar_t digit : {L'1', L'5', L'9'}) mFixed.push_back(std::wstring(digits, digit) + exponent);
+      for (const wchar_t* head : {L"", L".", L"1."})
+        for (wchar_t digit : {L'1', L'5', L'9'}) mFixed.push_back(head + std::wstring(digits, digit) + exponent);
 }
 
 KrFuzzRandom KrFuzzInputs::randomFor(uint64_t index) const {
