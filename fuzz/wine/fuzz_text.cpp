@@ -21,6 +21,7 @@
 
 #include "KrFuzzInputs.h"
 #include "KrFuzzTargets.h"
+#include "KrHeapUsage.h"
 
 namespace {
 
@@ -47,21 +48,6 @@ LONG WINAPI reportCrash(EXCEPTION_POINTERS* exception) {
           gCurrent.target, gCurrent.input);
   fflush(stderr);
   return EXCEPTION_CONTINUE_SEARCH;
-}
-
-// Bytes in use over every heap of the process.
-long long busyHeapBytes() {
-  std::vector<HANDLE> heaps(GetProcessHeaps(0, nullptr) + 16);
-  heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
-  long long busy = 0;
-  for (HANDLE heap : heaps) {
-    HeapLock(heap);
-    PROCESS_HEAP_ENTRY entry = {};
-    while (HeapWalk(heap, &entry))
-      if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) busy += static_cast<long long>(entry.cbData);
-    HeapUnlock(heap);
-  }
-  return busy;
 }
 
 // The head of a text, with every unit outside printable ASCII as \uXXXX.
@@ -114,9 +100,9 @@ bool run(const KrFuzzTarget& target, const Options& options) {
   const uint64_t warmUp = std::min(options.count, inputs.fixedCount());
   auto start = std::chrono::steady_clock::now();
   feed(target, inputs, 0, warmUp, tally);
-  long long before = busyHeapBytes();
+  long long before = static_cast<long long>(krBusyHeapBytes());
   feed(target, inputs, warmUp, options.count, tally);
-  long long growth = busyHeapBytes() - before;
+  long long growth = static_cast<long long>(krBusyHeapBytes()) - before;
   double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   printf("%-22s %llu inputs (%llu taken) in %.2f s, heap growth %lld bytes after %llu fixed inputs, %llu wrong\n",
          target.name, options.count, tally.taken, seconds, growth, warmUp, tally.wrong);
