@@ -24,6 +24,7 @@
 #include "krrxiterator.h"
 #include "krrxservice.h"
 #include "krrxsystem.h"
+#include "modules/KrRxGuardedCall.h"
 #include "modules/KrRxListFileReader.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxImpClass.h"
@@ -84,6 +85,23 @@ std::wstring modulePath(HMODULE module) {
   return path;
 }
 
+// Calls a probed module's version function, whose imports are not resolved:
+// a fault there (reading imported data, say) is caught and gives false.
+bool probeApiVersion(KrRxGetApiVersionFunction getApiVersion, unsigned int& version) {
+  struct Call {
+    KrRxGetApiVersionFunction function;
+    unsigned int version;
+  } call = {getApiVersion, 0};
+  bool returned = krrxFaultCatchingCall(
+      [](void* pending) {
+        auto* call = static_cast<Call*>(pending);
+        call->version = call->function();
+      },
+      &call);
+  version = call.version;
+  return returned;
+}
+
 // Checks the probed module's API version and entry point, with the messages for a refusal.
 bool acceptsEntryProtocol(HMODULE probe, const wchar_t* fileName, bool printMessages) {
   auto getApiVersion = reinterpret_cast<KrRxGetApiVersionFunction>(
@@ -94,7 +112,15 @@ bool acceptsEntryProtocol(HMODULE probe, const wchar_t* fileName, bool printMess
                                         fileName);
     return false;
   }
-  unsigned int version = getApiVersion();
+  unsigned int version;
+  if (!probeApiVersion(getApiVersion, version)) {
+    if (printMessages)
+      KrRxImpDynamicLinker::hostMessage(
+          L"krrxGetApiVersion faulted in %ls\nIt must return a constant and read nothing imported: "
+          L"define it with KRRX_DEFINE_API_VERSION().\n",
+          fileName);
+    return false;
+  }
   if (version - KRRX_MIN_API_VERSION > KRRX_CUR_API_VERSION - KRRX_MIN_API_VERSION) {
     if (printMessages) {
       KrRxImpDynamicLinker::hostMessage(L"Incompatible API version in %ls\n", fileName);
