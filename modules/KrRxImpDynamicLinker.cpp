@@ -213,6 +213,16 @@ HMODULE loadInItsDirectory(const std::wstring& path, DWORD& error) {
   return module;
 }
 
+// What can be read from an open file, up to its end or the first error.
+std::string readWholeFile(HANDLE file) {
+  static_assert(sizeof(wchar_t) == sizeof(char16_t), "module names are UTF-16");
+  std::string bytes;
+  char chunk[4096];
+  DWORD read;
+  while (ReadFile(file, chunk, sizeof chunk, &read, nullptr) && read) bytes.append(chunk, read);
+  return bytes;
+}
+
 HMODULE loadTrustLibrary() {
   HMODULE kernel = GetModuleHandleW(L"KERNEL32.DLL");
   return kernel && GetProcAddress(kernel, "GetLocaleInfoEx") ? LoadLibraryW(L"WINTRUST.DLL") : nullptr;
@@ -586,12 +596,13 @@ bool KrRxImpDynamicLinker::initListedModules(const wchar_t* listFile) {
   HANDLE file = CreateFileW(listFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                             FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   if (file == INVALID_HANDLE_VALUE) return false;
-  KrRxListFileReader reader(file);
-  bool allLoaded = true;
-  std::wstring line;
-  while (reader.nextLine(line))
-    if (!line.empty()) allLoaded = loadModule(line.c_str(), false, true) && allLoaded;
+  std::string bytes = readWholeFile(file);
   CloseHandle(file);
+  KrRxListFileReader reader(bytes.data(), bytes.size());
+  bool allLoaded = true;
+  std::u16string line;
+  while (reader.nextLine(line))
+    if (!line.empty()) allLoaded = loadModule(reinterpret_cast<const wchar_t*>(line.c_str()), false, true) && allLoaded;
   return allLoaded;
 }
 
