@@ -95,7 +95,7 @@ int runApps(const KrHostInvocation& invocation) {
                                     {{"name", L"APPLICATION"},
                                      {"loader", L"LOADER"},
                                      {"loadCtrls", L"FLAGS"},
-                                     {"loadReasons", L"LOADED"},
+                                     {"loadReasons", L"LOADS"},
                                      {"triggers", L"TRIGGERED BY"},
                                      {"productCode", L"PRODUCT CODE"},
                                      {"description", L"DESCRIPTION"},
