@@ -1,5 +1,6 @@
 #include "modules/KrRxPeImage.h"
 
+#include <cctype>
 #include <cstring>
 
 namespace {
@@ -17,8 +18,19 @@ constexpr uint32_t kImportDirectory = 1;
 constexpr size_t kSectionHeaderSize = 40;
 constexpr size_t kImportDescriptorSize = 20;
 constexpr size_t kImportDescriptorNameOffset = 12;
+constexpr size_t kImportDescriptorAddressOffset = 16;
+constexpr size_t kLookupEntrySize = 8;
+constexpr uint64_t kImportByOrdinal = 1ull << 63;
+constexpr uint32_t kHintSize = 2;
 constexpr size_t kExportNameCountOffset = 24;
 constexpr size_t kExportNameTableOffset = 32;
+
+bool sameAsciiName(const std::string& a, const std::string& b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i)
+    if (tolower(static_cast<unsigned char>(a[i])) != tolower(static_cast<unsigned char>(b[i]))) return false;
+  return true;
+}
 
 }  // namespace
 
@@ -93,7 +105,8 @@ bool KrRxPeImage::readText(uint32_t rva, std::string& text) const {
   return true;
 }
 
-bool KrRxPeImage::readImportNames(std::vector<std::string>& names) const {
+template <typename Visit>
+bool KrRxPeImage::forEachImportDescriptor(Visit visit) const {
   Directory imports;
   if (!readDirectory(kImportDirectory, imports)) return false;
   if (!imports.rva || !imports.size) return true;
@@ -104,9 +117,42 @@ bool KrRxPeImage::readImportNames(std::vector<std::string>& names) const {
     if (available < kImportDescriptorSize || !read(descriptor + kImportDescriptorNameOffset, nameRva)) return false;
     if (!nameRva) return true;
     std::string name;
-    if (!readText(nameRva, name)) return false;
+    if (!readText(nameRva, name) || !visit(descriptor, name)) return false;
+  }
+}
+
+bool KrRxPeImage::readImportNames(std::vector<std::string>& names) const {
+  return forEachImportDescriptor([&names](size_t, const std::string& name) {
+    names.push_back(name);
+    return true;
+  });
+}
+
+// A lookup table's 64-bit entries end with zero; the top bit marks an import
+// by ordinal, otherwise the low 31 bits locate a 2-byte hint and the name.
+bool KrRxPeImage::readLookupTable(uint32_t rva, std::vector<std::string>& names) const {
+  size_t entry, available;
+  if (!locate(rva, entry, available)) return false;
+  for (;; entry += kLookupEntrySize, available -= kLookupEntrySize) {
+    uint64_t value;
+    if (available < kLookupEntrySize || !read(entry, value)) return false;
+    if (!value) return true;
+    std::string name;
+    if (value & kImportByOrdinal)
+      name = "#" + std::to_string(value & 0xFFFF);
+    else if (!readText(uint32_t(value & 0x7FFFFFFF) + kHintSize, name))
+      return false;
     names.push_back(name);
   }
+}
+
+bool KrRxPeImage::readImportedFunctionNames(const std::string& library, std::vector<std::string>& names) const {
+  return forEachImportDescriptor([&](size_t descriptor, const std::string& name) {
+    if (!sameAsciiName(name, library)) return true;
+    uint32_t lookupRva, addressRva;
+    if (!read(descriptor, lookupRva) || !read(descriptor + kImportDescriptorAddressOffset, addressRva)) return false;
+    return readLookupTable(lookupRva ? lookupRva : addressRva, names);
+  });
 }
 
 bool KrRxPeImage::readExportNames(std::vector<std::string>& names) const {
@@ -133,6 +179,13 @@ bool KrRxPeImage::readExportNames(std::vector<std::string>& names) const {
 bool KrRxPeImage::importNames(std::vector<std::string>& names) const {
   std::vector<std::string> found;
   if (!mValid || !readImportNames(found)) return false;
+  names.insert(names.end(), found.begin(), found.end());
+  return true;
+}
+
+bool KrRxPeImage::importedFunctionNames(const std::string& library, std::vector<std::string>& names) const {
+  std::vector<std::string> found;
+  if (!mValid || !readImportedFunctionNames(library, found)) return false;
   names.insert(names.end(), found.begin(), found.end());
   return true;
 }

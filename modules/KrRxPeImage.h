@@ -45,6 +45,12 @@ class KrRxPeImage {
   // Appends the exported names in the export directory's order; false, with
   // none appended, when the image is invalid or the export data is damaged.
   bool exportNames(std::vector<std::string>& names) const;
+  // Appends the names of the functions and data imported from library (its
+  // name compared ignoring ASCII case, every descriptor of that name), in
+  // lookup-table order; an import by ordinal appears as "#<ordinal>". False,
+  // with none appended, when the image is invalid or its import data leaves
+  // the sections.
+  bool importedFunctionNames(const std::string& library, std::vector<std::string>& names) const;
 
  private:
   struct Section {
@@ -66,7 +72,14 @@ class KrRxPeImage {
   bool read(size_t offset, T& value) const;
   // The text at rva, ended by a zero inside its section.
   bool readText(uint32_t rva, std::string& text) const;
+  // Calls visit(descriptor offset, library name) for each import descriptor
+  // in order while it answers true; false when the descriptors leave the
+  // sections or visit answered false.
+  template <typename Visit>
+  bool forEachImportDescriptor(Visit visit) const;
+  bool readLookupTable(uint32_t rva, std::vector<std::string>& names) const;
   bool readImportNames(std::vector<std::string>& names) const;
+  bool readImportedFunctionNames(const std::string& library, std::vector<std::string>& names) const;
   bool readExportNames(std::vector<std::string>& names) const;
 
   const unsigned char* mData;
