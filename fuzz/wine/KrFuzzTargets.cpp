@@ -1,5 +1,6 @@
 #include "KrFuzzTargets.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "KrFuzzDoor.h"
 #include "kr1st.h"
 
 namespace {
@@ -150,6 +152,74 @@ KrFuzzVerdict feedDbHandle(const wchar_t* text, uint64_t choice) {
   return feedConversions(text, choice, &KrString::asKrDbHandle);
 }
 
+bool isDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
+
+// A symbol name: only a..z, A..Z, 0..9 and '_', never a leading digit, and
+// at most four units per unit of the text; a null text is refused untouched.
+KrFuzzVerdict feedCamelCase(const wchar_t* text, uint64_t) {
+  wchar_t* name = nullptr;
+  Kesu::ErrorStatus status = krrfToCamelCase(text, name);
+  if (!text) return {false, status == Kesu::eInvalidInput && !name ? nullptr : "a null text was converted"};
+  if (status != Kesu::eOk) return {false, "a conversion answered an undefined status"};
+  if (!name) return {true, "converted without a name"};
+  const char* wrong = nullptr;
+  size_t length = wcslen(name);
+  for (size_t i = 0; i < length && !wrong; ++i) {
+    const wchar_t unit = name[i];
+    const bool letter = (unit >= L'a' && unit <= L'z') || (unit >= L'A' && unit <= L'Z');
+    if (!letter && !isDigit(unit) && unit != L'_') wrong = "a name holds a unit other than a letter, digit or '_'";
+  }
+  if (!wrong && length && isDigit(name[0])) wrong = "a name begins with a digit";
+  if (!wrong && length > 4 * wcslen(text) + 1) wrong = "a name is longer than its transliteration";
+  free(name);
+  return {true, wrong};
+}
+
+// Reading a path on the door: eOk with a new value of the last step's value
+// class, or a refusal that leaves the result alone with one of the statuses
+// a path, a value class or a reading can answer.
+KrFuzzVerdict feedEvaluate(const wchar_t* text, uint64_t choice) {
+  const KrRxObject* door = krfuzzDoor();
+  KrRxObject* const untouched = const_cast<KrRxObject*>(door);
+  KrRxObject* value = untouched;
+  Kesu::ErrorStatus status = choice % 3 == 2 ? krrfEvaluateString(text, door, value)
+                                             : krrfEvaluateString(text, door, value, choice % 3 == 1);
+  if (status != Kesu::eOk) {
+    if (value != untouched) return {false, "a refused path set the result"};
+    if (!text) return {false, status == Kesu::eInvalidInput ? nullptr : "a null text was not refused with 3"};
+    const bool defined = status == Kesu::eNotApplicable || status == Kesu::eNotSupported ||
+                         status == Kesu::eInvalidInput || status == Kesu::eKeyNotFound || status == Kesu::eOutOfMemory;
+    return {false, defined ? nullptr : "a path answered an undefined status"};
+  }
+  if (!text) return {true, "a null text was read"};
+  if (value == untouched || !value) return {true, "a read path gave no new value"};
+  const wchar_t* last = wcsrchr(text, L'.');
+  const bool sameClass = value->isA() == krfuzzDoorValueType(last ? last + 1 : text);
+  delete value;
+  return {true, sameClass ? nullptr : "a read value is not of the last property's value class"};
+}
+
+// Filling a template from the door: eOk with a new text of at most the
+// limit, which begins with the text before the first "%<" (all of the text
+// when it has none), cut at the limit.
+KrFuzzVerdict feedFormat(const wchar_t* text, uint64_t choice) {
+  wchar_t* filled = nullptr;
+  Kesu::ErrorStatus status = choice % 2 ? krrfFormatString(text, krfuzzDoor(), filled)
+                                        : krrfFormatString(text, krfuzzDoor(), nullptr, filled);
+  if (!text) return {false, status == Kesu::eInvalidInput && !filled ? nullptr : "a null text was filled"};
+  if (status != Kesu::eOk) return {false, "a template answered an undefined status"};
+  if (!filled) return {true, "filled without a text"};
+  const wchar_t* open = wcsstr(text, L"%<");
+  const size_t literal = std::min<size_t>(open ? size_t(open - text) : wcslen(text), kKrrfFormatLimit);
+  const size_t length = wcslen(filled);
+  const char* wrong = length > size_t(kKrrfFormatLimit) ? "a filled text is longer than the limit"
+                      : length < literal || wmemcmp(filled, text, literal) != 0
+                          ? "a filled text does not begin with the template's literal head"
+                          : nullptr;
+  free(filled);
+  return {true, wrong};
+}
+
 const std::vector<std::wstring> kIntegerSeeds = {
     L"0", L"-128", L"127", L"255", L"-32768", L"65535", L"-2147483648", L"4294967295",
     L"-9223372036854775808", L"18446744073709551615", L"18446744073709551616", L"+7", L"  42abc", L"0x1F", L"1e5", L"-"};
@@ -201,6 +271,20 @@ const std::vector<KrFuzzTarget>& krfuzzTargets() {
       {"KrString.asKrDbHandle",
        {L"0", L"1A2B3C4D5E6F7081", L"ffffffffffffffff", L"10000000000000000", L"12G4", L"", L"abcdef", L" 1"},
        feedDbHandle},
+      {"krrfToCamelCase",
+       {L"Hello World", L"Gr\u00F6\u00DFte H\u00F6he", L"\u00C9lan vital", L"2nd value", L"_private", L"a_b c",
+        L"\u0141\u00F3d\u017A \u0160\u010D\u0159", L"x\u00C6\u00DE\u0152\u01C4\u01C9", L" -!?. ", L"42",
+        L"\u4E2D\u6587 text", L"\U0001F600 smile"},
+       feedCamelCase},
+      {"krrfEvaluateString",
+       {L"width", L"name", L"frame.name", L"frame.frame.width", L"a.b.c", L"frame..width", L".", L"unreadable",
+        L"abstract", L"width.name", L"frame.", L"count"},
+       feedEvaluate},
+      {"krrfFormatString",
+       {L"Width: %<width>%", L"%<", L"%<a.b.c>%", L"%<width>%%<height>%", L"%<name>% door, %<count>% hinges",
+        L"frame of %<frame.name>%", L"[%<frame.frame.width>%][%<unreadable>%][%<abstract>%]", L"100 >% and %",
+        L"%<>%", L"a %<name>% b %<width c"},
+       feedFormat},
   };
   return targets;
 }
