@@ -1,5 +1,6 @@
-# The SDK: the DLL, its import library, the public headers and the CMake
-# package that gives module authors the target Kestrune::kr1st.
+# The SDK: the DLL, its import library, the public headers, krhost.exe and
+# the CMake package that gives module authors the target Kestrune::kr1st and
+# kestrune_add_module().
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -10,6 +11,7 @@ install(TARGETS kr1st EXPORT KestruneTargets
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/include/ DESTINATION include FILES_MATCHING PATTERN "*.h")
 install(EXPORT KestruneTargets NAMESPACE Kestrune:: DESTINATION lib/cmake/Kestrune)
 install(FILES ${CMAKE_SOURCE_DIR}/cmake/toolchain-mingw64.cmake ${CMAKE_SOURCE_DIR}/cmake/KestruneModule.cmake
+  ${CMAKE_SOURCE_DIR}/cmake/KestruneApiVersion.cpp
   DESTINATION lib/cmake/Kestrune)
 install(PROGRAMS ${CMAKE_SOURCE_DIR}/cmake/wine-run.sh DESTINATION lib/cmake/Kestrune)
 

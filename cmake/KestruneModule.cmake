@@ -3,26 +3,44 @@
 # The runtime loads a module only when it carries a valid Authenticode
 # signature, so every module is signed as it is built (with osslsigncode).
 #
-#   kestrune_add_signing_certificate(<target>)
-#     Makes, at build time and once per build tree, a throwaway certificate
-#     authority and a code-signing certificate issued by it (with openssl),
-#     in <build dir>/<target>/. Meant for development and tests: the keys
-#     never leave the build tree. Other targets sign with it through
-#     SIGN_WITH <target>.
-#
 #   kestrune_add_module(<name>
 #                       SOURCES <source>...
 #                       [EXTENSION .krx|.kra|.dll]      (default .krx)
 #                       [OUTPUT_NAME <file name without extension>]
 #                       [OUTPUT_DIRECTORY <directory>]
-#                       [SIGN_WITH <certificate target>]
+#                       [SIGN_WITH <certificate target> | UNSIGNED]
+#                       [OWN_API_VERSION]
 #                       [LIBRARIES <library>...]
 #                       [DEFINITIONS <definition>...])
 #     A module: a DLL linked against Kestrune::kr1st, named <name><EXTENSION>
-#     (or OUTPUT_NAME), signed after every link when SIGN_WITH is given.
+#     (or OUTPUT_NAME), signed after every link with the certificate of
+#     SIGN_WITH, by default with the build tree's throwaway certificate
+#     (kestrune_throwaway_certificate, made on first use); UNSIGNED leaves it
+#     unsigned. When the sources do not define krrxGetApiVersion, the SDK's
+#     (KRRX_DEFINE_API_VERSION()) is linked in; OWN_API_VERSION turns that off.
+#
+#   kestrune_add_signing_certificate(<target>)
+#     Makes, at build time and once per build tree, a throwaway certificate
+#     authority and a code-signing certificate issued by it (with openssl),
+#     in <build dir>/<target>/. Meant for development and tests: the keys
+#     never leave the build tree, and only a system that trusts that
+#     authority (Wine does not check) accepts the signature.
+#
+#   kestrune_add_publisher_certificate(<target>
+#                                      PFX <file.pfx> | CERTIFICATE <cert.pem> KEY <key.pem>
+#                                      [CHAIN <certificates.pem>]
+#                                      [PASSWORD_FILE <file>]
+#                                      [TIMESTAMP_URL <RFC 3161 time-stamp server>])
+#     A publisher's existing code-signing certificate and key, as a PKCS#12
+#     file or a PEM pair, for SIGN_WITH <target>. CHAIN adds intermediate
+#     certificates to the signature; PASSWORD_FILE holds the key's password
+#     (its first line), so the password never appears in the build files;
+#     TIMESTAMP_URL has each signature timestamped, which keeps it valid after
+#     the certificate expires.
 
 find_program(KESTRUNE_OPENSSL openssl)
 find_program(KESTRUNE_OSSLSIGNCODE osslsigncode)
+set_property(GLOBAL PROPERTY KESTRUNE_MODULE_DIR ${CMAKE_CURRENT_LIST_DIR})
 
 function(kestrune_add_signing_certificate target)
   set(dir ${CMAKE_CURRENT_BINARY_DIR}/${target})
@@ -44,27 +62,80 @@ function(kestrune_add_signing_certificate target)
     VERBATIM)
   add_custom_target(${target} DEPENDS ${dir}/ca.pem ${dir}/codesign.pem ${dir}/codesign.key)
   set_target_properties(${target} PROPERTIES
-    KESTRUNE_CA ${dir}/ca.pem
+    KESTRUNE_CHAIN ${dir}/ca.pem
     KESTRUNE_CERTIFICATE ${dir}/codesign.pem
     KESTRUNE_KEY ${dir}/codesign.key)
 endfunction()
 
-# Signs the file of target after each link with the certificate made by
-# kestrune_add_signing_certificate(<certificate>); the CA travels in the signature.
+function(kestrune_add_publisher_certificate target)
+  cmake_parse_arguments(PARSE_ARGV 1 CERT "" "PFX;CERTIFICATE;KEY;CHAIN;PASSWORD_FILE;TIMESTAMP_URL" "")
+  if(CERT_PFX AND (CERT_CERTIFICATE OR CERT_KEY))
+    message(FATAL_ERROR "kestrune_add_publisher_certificate(${target}): give PFX or CERTIFICATE and KEY, not both")
+  endif()
+  if(NOT CERT_PFX AND NOT (CERT_CERTIFICATE AND CERT_KEY))
+    message(FATAL_ERROR "kestrune_add_publisher_certificate(${target}): needs PFX, or CERTIFICATE and KEY")
+  endif()
+  foreach(file IN ITEMS ${CERT_PFX} ${CERT_CERTIFICATE} ${CERT_KEY} ${CERT_CHAIN} ${CERT_PASSWORD_FILE})
+    if(NOT EXISTS ${file})
+      message(FATAL_ERROR "kestrune_add_publisher_certificate(${target}): ${file} does not exist")
+    endif()
+  endforeach()
+  add_custom_target(${target})
+  set_target_properties(${target} PROPERTIES
+    KESTRUNE_PFX "${CERT_PFX}"
+    KESTRUNE_CERTIFICATE "${CERT_CERTIFICATE}"
+    KESTRUNE_KEY "${CERT_KEY}"
+    KESTRUNE_CHAIN "${CERT_CHAIN}"
+    KESTRUNE_PASSWORD_FILE "${CERT_PASSWORD_FILE}"
+    KESTRUNE_TIMESTAMP_URL "${CERT_TIMESTAMP_URL}")
+endfunction()
+
+# Signs the file of target after each link with the certificate target made
+# by kestrune_add_signing_certificate or kestrune_add_publisher_certificate.
 function(kestrune_sign_target target certificate)
-  get_target_property(ca ${certificate} KESTRUNE_CA)
-  get_target_property(cert ${certificate} KESTRUNE_CERTIFICATE)
-  get_target_property(key ${certificate} KESTRUNE_KEY)
+  foreach(property PFX CERTIFICATE KEY CHAIN PASSWORD_FILE TIMESTAMP_URL)
+    get_target_property(value ${certificate} KESTRUNE_${property})
+    if(value)
+      set(${property} ${value})
+    endif()
+  endforeach()
+  if(PFX)
+    set(identity -pkcs12 ${PFX})
+  else()
+    set(identity -certs ${CERTIFICATE} -key ${KEY})
+  endif()
+  if(CHAIN)
+    list(APPEND identity -ac ${CHAIN})
+  endif()
+  if(PASSWORD_FILE)
+    list(APPEND identity -readpass ${PASSWORD_FILE})
+  endif()
+  if(TIMESTAMP_URL)
+    list(APPEND identity -ts ${TIMESTAMP_URL})
+  endif()
   add_dependencies(${target} ${certificate})
   add_custom_command(TARGET ${target} POST_BUILD
-    COMMAND ${KESTRUNE_OSSLSIGNCODE} sign -certs ${cert} -ac ${ca} -key ${key} -n ${target}
+    COMMAND ${KESTRUNE_OSSLSIGNCODE} sign ${identity} -n ${target}
             -in $<TARGET_FILE:${target}> -out $<TARGET_FILE:${target}>.signed
     COMMAND ${CMAKE_COMMAND} -E rename $<TARGET_FILE:${target}>.signed $<TARGET_FILE:${target}>
     VERBATIM)
 endfunction()
 
+# The archive that holds the SDK's krrxGetApiVersion. The module's link asks
+# for the symbol (--undefined), so the archive's copy is taken only when no
+# object of the module defines it.
+function(kestrune_link_default_api_version target)
+  if(NOT TARGET kestrune_api_version)
+    get_property(dir GLOBAL PROPERTY KESTRUNE_MODULE_DIR)
+    add_library(kestrune_api_version STATIC ${dir}/KestruneApiVersion.cpp)
+    target_link_libraries(kestrune_api_version PRIVATE Kestrune::kr1st)
+  endif()
+  target_link_libraries(${target} PRIVATE kestrune_api_version)
+  target_link_options(${target} PRIVATE -Wl,--undefined=krrxGetApiVersion)
+endfunction()
+
 function(kestrune_add_module name)
-  cmake_parse_arguments(PARSE_ARGV 1 MODULE "" "EXTENSION;OUTPUT_NAME;OUTPUT_DIRECTORY;SIGN_WITH"
+  cmake_parse_arguments(PARSE_ARGV 1 MODULE "UNSIGNED;OWN_API_VERSION" "EXTENSION;OUTPUT_NAME;OUTPUT_DIRECTORY;SIGN_WITH"
                         "SOURCES;LIBRARIES;DEFINITIONS")
   if(NOT MODULE_EXTENSION)
     set(MODULE_EXTENSION .krx)
@@ -80,7 +151,17 @@ function(kestrune_add_module name)
   if(MODULE_OUTPUT_DIRECTORY)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${MODULE_OUTPUT_DIRECTORY})
   endif()
-  if(MODULE_SIGN_WITH)
-    kestrune_sign_target(${name} ${MODULE_SIGN_WITH})
+  if(NOT MODULE_OWN_API_VERSION)
+    kestrune_link_default_api_version(${name})
   endif()
+  if(MODULE_UNSIGNED)
+    return()
+  endif()
+  if(NOT MODULE_SIGN_WITH)
+    set(MODULE_SIGN_WITH kestrune_throwaway_certificate)
+    if(NOT TARGET kestrune_throwaway_certificate)
+      kestrune_add_signing_certificate(kestrune_throwaway_certificate)
+    endif()
+  endif()
+  kestrune_sign_target(${name} ${MODULE_SIGN_WITH})
 endfunction()

@@ -16,7 +16,22 @@ class KrRxService;
 //   extern "C" KrRx::AppRetCode krrxEntryPoint(KrRx::AppMsgCode message, void* packet);
 // A module is accepted when its version lies between KRRX_MIN_API_VERSION
 // and KRRX_CUR_API_VERSION.
+//
+// The linker calls krrxGetApiVersion while the module is only mapped, its
+// imports not yet resolved: the function must return a constant and touch
+// nothing imported (KRRX_CUR_API_VERSION is imported data). A version
+// function that faults there makes the linker refuse the module. Write
+//   KRRX_DEFINE_API_VERSION()
+// at file scope in one source of the module, or let kestrune_add_module()
+// add it.
 typedef unsigned int (*KrRxGetApiVersionFunction)();
+
+// The API version of these headers, 20.5, as a compile-time constant.
+#define KRRX_SDK_API_VERSION 0x00140005u
+
+// Defines and exports krrxGetApiVersion, returning KRRX_SDK_API_VERSION.
+#define KRRX_DEFINE_API_VERSION() \
+  extern "C" __declspec(dllexport) unsigned int krrxGetApiVersion() { return KRRX_SDK_API_VERSION; }
 
 extern "C" {
 KR1ST_API extern const char* const KRRX_ENTRY_POINT;      // "krrxEntryPoint"

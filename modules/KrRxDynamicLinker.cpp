@@ -19,7 +19,7 @@ KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxDynamicLinker, KrRxObject)
 
 const char* const KRRX_ENTRY_POINT = "krrxEntryPoint";
 const char* const KRRX_GET_API_VERSION = "krrxGetApiVersion";
-const unsigned int KRRX_CUR_API_VERSION = 0x00140005;
+const unsigned int KRRX_CUR_API_VERSION = KRRX_SDK_API_VERSION;
 const unsigned int KRRX_MIN_API_VERSION = 0x00140000;
 bool bCatchSendAppExceptions = false;
 

@@ -7,6 +7,8 @@
 
 #include <cwchar>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "krrxclass.h"
 #include "krrxdictionary.h"
@@ -15,7 +17,7 @@
 #include "krrxsystem.h"
 #include "modules/KrRxGuardedCall.h"
 #include "modules/KrRxImpDynamicLinker.h"
-#include "modules/KrRxPeImports.h"
+#include "modules/KrRxPeImage.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxGrowArray.h"
 #include "runtime/KrRxImpClass.h"
@@ -81,13 +83,22 @@ HGLOBAL readVersionInfo(HMODULE module) {
   return block;
 }
 
-// The loaded extension modules (those exporting "krrxEntryPoint") that the
-// file of module imports, each once, in import order, without module itself.
+// The image of a loaded module as the system mapped it, its headers already
+// checked by the loader.
+KrRxPeImage mappedImage(HMODULE module) {
+  auto* base = reinterpret_cast<const unsigned char*>(module);
+  auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
+  return KrRxPeImage(base, headers->OptionalHeader.SizeOfImage, KrRxPeImage::kMappedLayout);
+}
+
+// The loaded extension modules (those exporting "krrxEntryPoint") that
+// module imports, each once, in import order, without module itself. The
+// import table is read from the mapped image: no second read of the file.
 KrRxGrowArray<HMODULE> findDependencies(HMODULE module) {
   KrRxGrowArray<HMODULE> found;
-  wchar_t path[kPathCapacity];
-  if (!modulePath(module, path)) return found;
-  for (const std::string& name : krrxPeImportNamesOfFile(path)) {
+  std::vector<std::string> names;
+  mappedImage(module).importNames(names);
+  for (const std::string& name : names) {
     HMODULE imported = GetModuleHandleA(name.c_str());
     if (!imported || imported == module || !GetProcAddress(imported, KRRX_ENTRY_POINT)) continue;
     bool seen = false;

@@ -5,9 +5,6 @@
 
 #include <windows.h>
 
-#include <softpub.h>
-#include <wintrust.h>
-
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -24,7 +21,9 @@
 #include "krrxiterator.h"
 #include "krrxservice.h"
 #include "krrxsystem.h"
+#include "modules/KrRxGuardedCall.h"
 #include "modules/KrRxListFileReader.h"
+#include "modules/KrRxTrustCheck.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxImpClass.h"
 #include "runtime/KrRxImpDictionary.h"
@@ -34,9 +33,6 @@
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxImpDynamicLinker, KrRxDynamicLinker)
 
 wchar_t* KrRxImpDynamicLinker::mLoadModuleFailReason = nullptr;
-
-static_assert(sizeof(WINTRUST_DATA) == 80 && sizeof(WINTRUST_FILE_INFO) == 32,
-              "the trust request has the 80-byte form with a 32-byte file record");
 
 namespace {
 
@@ -84,6 +80,23 @@ std::wstring modulePath(HMODULE module) {
   return path;
 }
 
+// Calls a probed module's version function, whose imports are not resolved:
+// a fault there (reading imported data, say) is caught and gives false.
+bool probeApiVersion(KrRxGetApiVersionFunction getApiVersion, unsigned int& version) {
+  struct Call {
+    KrRxGetApiVersionFunction function;
+    unsigned int version;
+  } call = {getApiVersion, 0};
+  bool returned = krrxFaultCatchingCall(
+      [](void* pending) {
+        auto* call = static_cast<Call*>(pending);
+        call->version = call->function();
+      },
+      &call);
+  version = call.version;
+  return returned;
+}
+
 // Checks the probed module's API version and entry point, with the messages for a refusal.
 bool acceptsEntryProtocol(HMODULE probe, const wchar_t* fileName, bool printMessages) {
   auto getApiVersion = reinterpret_cast<KrRxGetApiVersionFunction>(
@@ -94,7 +107,15 @@ bool acceptsEntryProtocol(HMODULE probe, const wchar_t* fileName, bool printMess
                                         fileName);
     return false;
   }
-  unsigned int version = getApiVersion();
+  unsigned int version;
+  if (!probeApiVersion(getApiVersion, version)) {
+    if (printMessages)
+      KrRxImpDynamicLinker::hostMessage(
+          L"krrxGetApiVersion faulted in %ls\nIt must return a constant and read nothing imported: "
+          L"define it with KRRX_DEFINE_API_VERSION().\n",
+          fileName);
+    return false;
+  }
   if (version - KRRX_MIN_API_VERSION > KRRX_CUR_API_VERSION - KRRX_MIN_API_VERSION) {
     if (printMessages) {
       KrRxImpDynamicLinker::hostMessage(L"Incompatible API version in %ls\n", fileName);
@@ -111,27 +132,11 @@ bool acceptsEntryProtocol(HMODULE probe, const wchar_t* fileName, bool printMess
   return true;
 }
 
-typedef LONG(WINAPI* WinVerifyTrustExFunction)(HWND window, GUID* action, WINTRUST_DATA* data);
-
 // Resolved once per process, from the first trust library asked.
-WinVerifyTrustExFunction winVerifyTrustEx(HMODULE trustLibrary) {
-  static const WinVerifyTrustExFunction function = reinterpret_cast<WinVerifyTrustExFunction>(
+KrRxWinVerifyTrustEx winVerifyTrustEx(HMODULE trustLibrary) {
+  static const KrRxWinVerifyTrustEx function = reinterpret_cast<KrRxWinVerifyTrustEx>(
       reinterpret_cast<void*>(GetProcAddress(trustLibrary, "WinVerifyTrustEx")));
   return function;
-}
-
-// Authenticode verification of the file, without user interface or revocation checks.
-LONG verifySignature(WinVerifyTrustExFunction verify, const wchar_t* path) {
-  WINTRUST_FILE_INFO file = {sizeof(WINTRUST_FILE_INFO), path, nullptr, nullptr};
-  WINTRUST_DATA data = {};
-  data.cbStruct = sizeof(WINTRUST_DATA);
-  data.dwUIChoice = WTD_UI_NONE;
-  data.fdwRevocationChecks = WTD_REVOKE_NONE;
-  data.dwUnionChoice = WTD_CHOICE_FILE;
-  data.pFile = &file;
-  data.dwProvFlags = WTD_REVOCATION_CHECK_NONE;
-  GUID action = WINTRUST_ACTION_GENERIC_VERIFY_V2;
-  return verify(static_cast<HWND>(INVALID_HANDLE_VALUE), &action, &data);
 }
 
 void setFailReason(const wchar_t* reason) {
@@ -185,6 +190,16 @@ HMODULE loadInItsDirectory(const std::wstring& path, DWORD& error) {
   SetDllDirectoryW(savedDll.c_str());
   SetCurrentDirectoryW(savedCurrent.c_str());
   return module;
+}
+
+// What can be read from an open file, up to its end or the first error.
+std::string readWholeFile(HANDLE file) {
+  static_assert(sizeof(wchar_t) == sizeof(char16_t), "module names are UTF-16");
+  std::string bytes;
+  char chunk[4096];
+  DWORD read;
+  while (ReadFile(file, chunk, sizeof chunk, &read, nullptr) && read) bytes.append(chunk, read);
+  return bytes;
 }
 
 HMODULE loadTrustLibrary() {
@@ -284,8 +299,8 @@ void* KrRxImpDynamicLinker::getSymbolAddress(const wchar_t* module, const char* 
 
 bool KrRxImpDynamicLinker::signatureRejected(const wchar_t* path) const {
   if (!mpTrustLibrary) return false;
-  WinVerifyTrustExFunction verify = winVerifyTrustEx(static_cast<HMODULE>(mpTrustLibrary));
-  return verify && verifySignature(verify, path) < 0;
+  KrRxWinVerifyTrustEx verify = winVerifyTrustEx(static_cast<HMODULE>(mpTrustLibrary));
+  return verify && krrxVerifyTrust(verify, path) < 0;
 }
 
 void KrRxImpDynamicLinker::offerToReactors(void* probe) const {
@@ -560,12 +575,13 @@ bool KrRxImpDynamicLinker::initListedModules(const wchar_t* listFile) {
   HANDLE file = CreateFileW(listFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                             FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   if (file == INVALID_HANDLE_VALUE) return false;
-  KrRxListFileReader reader(file);
-  bool allLoaded = true;
-  std::wstring line;
-  while (reader.nextLine(line))
-    if (!line.empty()) allLoaded = loadModule(line.c_str(), false, true) && allLoaded;
+  std::string bytes = readWholeFile(file);
   CloseHandle(file);
+  KrRxListFileReader reader(bytes.data(), bytes.size());
+  bool allLoaded = true;
+  std::u16string line;
+  while (reader.nextLine(line))
+    if (!line.empty()) allLoaded = loadModule(reinterpret_cast<const wchar_t*>(line.c_str()), false, true) && allLoaded;
   return allLoaded;
 }
 

@@ -1,44 +1,20 @@
 #include "modules/KrRxListFileReader.h"
 
-bool KrRxListFileReader::nextLine(std::wstring& line) {
+KrRxListFileReader::KrRxListFileReader(const void* bytes, size_t size)
+    : mBytes(static_cast<const unsigned char*>(bytes)), mUnits(bytes ? size / 2 : 0) {}
+
+char16_t KrRxListFileReader::unitAt(size_t index) const {
+  return char16_t(mBytes[2 * index] | mBytes[2 * index + 1] << 8);
+}
+
+bool KrRxListFileReader::nextLine(std::u16string& line) {
   line.clear();
-  wchar_t unit;
-  bool any = false;
-  while (nextUnit(unit)) {
-    any = true;
-    if (unit == L'\r' && peekUnit(L'\n')) return true;
-    if (line.size() < kListLineCapacity) line.push_back(unit);
-  }
-  return any;
-}
-
-bool KrRxListFileReader::nextByte(unsigned char& byte) {
-  if (mPosition == mSize) {
-    mPosition = 0;
-    if (!ReadFile(mFile, mBuffer, sizeof mBuffer, &mSize, nullptr)) mSize = 0;
-    if (mSize == 0) return false;
-  }
-  byte = mBuffer[mPosition++];
+  if (mNext >= mUnits) return false;
+  size_t end = mNext;
+  while (end < mUnits && !(unitAt(end) == u'\r' && end + 1 < mUnits && unitAt(end + 1) == u'\n')) ++end;
+  size_t kept = end - mNext < kListLineCapacity ? end - mNext : kListLineCapacity;
+  line.reserve(kept);
+  for (size_t i = mNext; i < mNext + kept; ++i) line.push_back(unitAt(i));
+  mNext = end < mUnits ? end + 2 : mUnits;
   return true;
-}
-
-bool KrRxListFileReader::nextUnit(wchar_t& unit) {
-  if (mHasPending) {
-    mHasPending = false;
-    unit = mPending;
-    return true;
-  }
-  unsigned char low, high;
-  if (!nextByte(low) || !nextByte(high)) return false;
-  unit = wchar_t(low | high << 8);
-  return true;
-}
-
-bool KrRxListFileReader::peekUnit(wchar_t expected) {
-  wchar_t unit;
-  if (!nextUnit(unit)) return false;
-  if (unit == expected) return true;
-  mPending = unit;
-  mHasPending = true;
-  return false;
 }

@@ -56,7 +56,8 @@ KrRx::AppRetCode greet(wchar_t* reply) {
 
 }  // namespace
 
-extern "C" __declspec(dllexport) unsigned int krrxGetApiVersion() { return 0x00140005; }
+// The version function, spelled out: a constant, nothing imported.
+KRRX_DEFINE_API_VERSION()
 
 extern "C" __declspec(dllexport) KrRx::AppRetCode krrxEntryPoint(KrRx::AppMsgCode message, void* packet) {
   if (message == kGreet) return greet(static_cast<wchar_t*>(packet));

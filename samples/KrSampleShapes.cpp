@@ -7,7 +7,8 @@
 // of its code (nor resolving its imports) and calls krrxGetApiVersion, then
 // loads it for real and sends kAppMsgInit to krrxEntryPoint. Before the
 // runtime releases the module it sends kAppMsgUnload, and the module takes
-// back everything it added.
+// back everything it added. This module writes only krrxEntryPoint:
+// kestrune_add_module() adds the SDK's krrxGetApiVersion.
 
 #include "kr1st.h"
 
@@ -171,9 +172,6 @@ KrRx::AppRetCode unload() {
 }
 
 }  // namespace
-
-// Called before the module's imports are resolved: return a constant only.
-extern "C" __declspec(dllexport) unsigned int krrxGetApiVersion() { return 0x00140005; }
 
 extern "C" __declspec(dllexport) KrRx::AppRetCode krrxEntryPoint(KrRx::AppMsgCode message, void* packet) {
   switch (message) {

@@ -24,13 +24,6 @@ namespace {
 
 const KrRx::AppMsgCode kHostMessage = static_cast<KrRx::AppMsgCode>(100);
 
-std::vector<std::wstring> takeHostMessages() {
-  std::vector<std::wstring> messages;
-  for (int i = 0; i < krdbTestMessageCount(); ++i) messages.push_back(krdbTestMessage(i));
-  krdbTestClearMessages();
-  return messages;
-}
-
 // The messages a loaded test module has received.
 std::vector<int> receivedBy(const wchar_t* module) {
   auto count = krModuleSymbol<int (*)()>(module, "testModuleMessageCount");
@@ -41,14 +34,6 @@ std::vector<int> receivedBy(const wchar_t* module) {
 }
 
 KrRxGenHand* handleOf(const wchar_t* module) { return static_cast<KrRxGenHand*>(krTestLinker()->moduleHandlePtr(module)); }
-
-std::wstring systemText(DWORD error) {
-  wchar_t* text = nullptr;
-  FormatMessageW(0x1300, nullptr, error, 0x400, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-  std::wstring copy = text ? text : L"";
-  LocalFree(text);
-  return copy;
-}
 
 // A copy of good.krx with one byte of its DOS stub changed: still a loadable
 // image, but its signature no longer matches.
@@ -112,7 +97,7 @@ TEST_F(LinkerTest, AWellBehavedModuleAddsItsClassesAndServicesAndTakesThemAlong)
   EXPECT_THAT(takeEvents(), ElementsAre(L"monitor willBeLoaded good.krx", L"reactor willBeLoaded good.krx",
                                         L"monitor couldBeLoaded good.krx", L"reactor couldBeLoaded good.krx",
                                         L"monitor loaded good.krx", L"reactor loaded good.krx"));
-  EXPECT_THAT(takeHostMessages(), IsEmpty());
+  EXPECT_THAT(krdbTestTakeMessages(), IsEmpty());
 
   EXPECT_TRUE(krrxSendAppMessage(L"good", kHostMessage, nullptr));
   EXPECT_FALSE(krTestLinker()->sendAppMessage(L"good", kHostMessage, nullptr, module)) << "not to itself";
@@ -127,44 +112,44 @@ TEST_F(LinkerTest, AWellBehavedModuleAddsItsClassesAndServicesAndTakesThemAlong)
   EXPECT_FALSE(krrxAppIsLoaded(L"goodApp"));
   EXPECT_THAT(takeEvents(), ElementsAre(L"reactor willBeUnloaded good.krx", L"monitor willBeUnloaded good.krx",
                                         L"monitor unloaded good.krx", L"reactor unloaded good.krx"));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"\n'good.krx' succefuly unloaded.\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"\n'good.krx' succefuly unloaded.\n"));
 
   EXPECT_FALSE(krrxUnloadModule(L"good.krx", true));
-  EXPECT_THAT(takeHostMessages(),
+  EXPECT_THAT(krdbTestTakeMessages(),
               ElementsAre(L"\nUnable to unload application 'good.krx' because it's not loaded.\n"));
 }
 
 TEST_F(LinkerTest, OnlyApiVersions20Point0To20Point5AreAccepted) {
   EXPECT_FALSE(krrxLoadModule(L"v13ffff.krx", true, true));
-  EXPECT_THAT(takeHostMessages(),
+  EXPECT_THAT(krdbTestTakeMessages(),
               ElementsAre(L"Incompatible API version in v13ffff.krx\n", L" Kestrune version = 20.5\n",
                           L" v13ffff.krx version = 19.65535\n", L"Failed to load 'v13ffff.krx'\n"));
   EXPECT_THAT(takeEvents(), ElementsAre(L"monitor willBeLoaded v13ffff.krx", L"reactor willBeLoaded v13ffff.krx",
                                         L"monitor loadAborted v13ffff.krx", L"reactor loadAborted v13ffff.krx"));
   EXPECT_FALSE(krrxLoadModule(L"v140006.krx", true, true));
-  EXPECT_THAT(takeHostMessages(),
+  EXPECT_THAT(krdbTestTakeMessages(),
               ElementsAre(L"Incompatible API version in v140006.krx\n", L" Kestrune version = 20.5\n",
                           L" v140006.krx version = 20.6\n", L"Failed to load 'v140006.krx'\n"));
   EXPECT_EQ(GetModuleHandleW(L"v140006.krx"), nullptr) << "the probe is released";
 
   EXPECT_TRUE(krrxLoadModule(L"v140000.krx", true, true));
   EXPECT_TRUE(krrxUnloadModule(L"v140000.krx", true));
-  takeHostMessages();
+  krdbTestTakeMessages();
 }
 
 TEST_F(LinkerTest, ModulesWithoutTheEntryProtocolOrFileAreRefused) {
   EXPECT_FALSE(krrxLoadModule(L"noversion.krx", true, true));
-  EXPECT_THAT(takeHostMessages(),
+  EXPECT_THAT(krdbTestTakeMessages(),
               ElementsAre(L"GetApiVersion function not found in noversion.krx\nMake sure the app export the symbol.",
                           L"Failed to load 'noversion.krx'\n"));
   EXPECT_FALSE(krrxLoadModule(L"noentry.krx", true, true));
-  EXPECT_THAT(takeHostMessages(),
+  EXPECT_THAT(krdbTestTakeMessages(),
               ElementsAre(L"Entry point not found in noentry.krx\n", L"Failed to load 'noentry.krx'\n"));
   EXPECT_FALSE(krrxLoadModule(L"absent.krx", true, true));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(systemText(ERROR_MOD_NOT_FOUND), L"Failed to load 'absent.krx'\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(krSystemText(ERROR_MOD_NOT_FOUND), L"Failed to load 'absent.krx'\n"));
   EXPECT_FALSE(krrxLoadModule(L"absent.krx", false, true));
   EXPECT_FALSE(krrxLoadModule(nullptr, true, true));
-  EXPECT_THAT(takeHostMessages(), IsEmpty()) << "messages only when asked for";
+  EXPECT_THAT(krdbTestTakeMessages(), IsEmpty()) << "messages only when asked for";
 }
 
 TEST_F(LinkerTest, TheSigningFactsHoldOnThisPlatform) {
@@ -175,11 +160,11 @@ TEST_F(LinkerTest, TheSigningFactsHoldOnThisPlatform) {
 
 TEST_F(LinkerTest, UnsignedAndTamperedModulesAreRefused) {
   EXPECT_FALSE(krrxLoadModule(L"unsigned.krx", true, true));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"Runtime Extension 'unsigned.krx' could not been loaded\n",
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"Runtime Extension 'unsigned.krx' could not been loaded\n",
                                               L"Failed to load 'unsigned.krx'\n"));
   makeTamperedCopy();
   EXPECT_FALSE(krrxLoadModule(L"tampered.krx", true, true));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"Runtime Extension 'tampered.krx' could not been loaded\n",
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"Runtime Extension 'tampered.krx' could not been loaded\n",
                                               L"Failed to load 'tampered.krx'\n"));
   EXPECT_THAT(takeEvents(), ElementsAre(L"monitor willBeLoaded unsigned.krx", L"reactor willBeLoaded unsigned.krx",
                                         L"monitor loadAborted unsigned.krx", L"reactor loadAborted unsigned.krx",
@@ -192,11 +177,11 @@ TEST_F(LinkerTest, UnsignedAndTamperedModulesAreRefused) {
 TEST_F(LinkerTest, AReactorCanVetoWithTheStandardTextOrItsOwnReason) {
   mReactor.vetoOffers = true;
   EXPECT_FALSE(krrxLoadModule(L"good.krx", true, true));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"Runtime Extension 'good.krx' could not been loaded\n",
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"Runtime Extension 'good.krx' could not been loaded\n",
                                               L"Failed to load 'good.krx'\n"));
   mReactor.vetoReason = L"Not now, please.\n";
   EXPECT_FALSE(krrxLoadModule(L"good.krx", true, true));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"Not now, please.\n", L"Failed to load 'good.krx'\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"Not now, please.\n", L"Failed to load 'good.krx'\n"));
   EXPECT_EQ(GetModuleHandleW(L"good.krx"), nullptr) << "the module's code never ran";
 
   takeEvents();
@@ -224,14 +209,14 @@ TEST_F(LinkerTest, LoadingAgainCountsAReferenceOrRefusesACommand) {
   EXPECT_EQ(module->apiValue(), 2);
   EXPECT_FALSE(krrxLoadModule(L"good.krx", true, true));
   EXPECT_TRUE(module->uiValue());
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"Runtime Extension 'good.krx' is already loaded.\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"Runtime Extension 'good.krx' is already loaded.\n"));
 
   EXPECT_TRUE(krrxUnloadModule(L"good.krx", true)) << "the command's reference goes";
   EXPECT_TRUE(krrxUnloadModule(L"good.krx", false));
   EXPECT_EQ(handleOf(L"good"), module) << "one reference left";
   EXPECT_TRUE(krrxUnloadModule(L"good.krx", false));
   EXPECT_EQ(handleOf(L"good"), nullptr);
-  EXPECT_THAT(takeHostMessages(), IsEmpty()) << "no command, no message";
+  EXPECT_THAT(krdbTestTakeMessages(), IsEmpty()) << "no command, no message";
 
   ASSERT_TRUE(krrxLoadModule(L"good.krx", false, true));
   EXPECT_THROW(krrxUnloadModule(L"good.krx", false), std::underflow_error) << "no reference to drop";
@@ -240,7 +225,7 @@ TEST_F(LinkerTest, LoadingAgainCountsAReferenceOrRefusesACommand) {
 
 TEST_F(LinkerTest, AFailingInitialisationUnloadsTheModuleWithForce) {
   EXPECT_FALSE(krrxLoadModule(L"initfails.krx", true, true));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"Failed to load 'initfails.krx'\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"Failed to load 'initfails.krx'\n"));
   EXPECT_THAT(takeEvents(),
               ElementsAre(L"monitor willBeLoaded initfails.krx", L"reactor willBeLoaded initfails.krx",
                           L"monitor couldBeLoaded initfails.krx", L"reactor couldBeLoaded initfails.krx",
@@ -260,7 +245,7 @@ TEST_F(LinkerTest, AMonitorCanVetoAModuleOnceItIsLoaded) {
                                         L"monitor willBeUnloaded good.krx", L"monitor unloaded good.krx",
                                         L"reactor unloaded good.krx", L"monitor loadAborted good.krx",
                                         L"reactor loadAborted good.krx"));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"Failed to load 'good.krx'\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"Failed to load 'good.krx'\n"));
 }
 
 TEST_F(LinkerTest, AModuleMayRefuseToBeUnloadedButNotAForcedUnload) {
@@ -270,7 +255,7 @@ TEST_F(LinkerTest, AModuleMayRefuseToBeUnloadedButNotAForcedUnload) {
   EXPECT_NE(handleOf(L"stays"), nullptr);
   EXPECT_THAT(takeEvents(), ElementsAre(L"reactor willBeUnloaded stays.krx", L"monitor willBeUnloaded stays.krx",
                                         L"monitor unloadAborted stays.krx", L"reactor unloadAborted stays.krx"));
-  EXPECT_THAT(takeHostMessages(), IsEmpty());
+  EXPECT_THAT(krdbTestTakeMessages(), IsEmpty());
   EXPECT_THAT(receivedBy(L"stays"), ElementsAre(1, 2));
 
   handleOf(L"stays")->setVetoed();
@@ -279,7 +264,7 @@ TEST_F(LinkerTest, AModuleMayRefuseToBeUnloadedButNotAForcedUnload) {
   EXPECT_THAT(receivedBy(L"stays"), ElementsAre(1, 2));
   EXPECT_TRUE(krTestLinker()->unloadModuleEx(L"stays.krx", true, true, true));
   EXPECT_EQ(handleOf(L"stays"), nullptr);
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"\n'stays.krx' succefuly unloaded.\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"\n'stays.krx' succefuly unloaded.\n"));
 }
 
 TEST_F(LinkerTest, ALockedModuleResistsCommandsButNotForceOrReferences) {
@@ -287,7 +272,7 @@ TEST_F(LinkerTest, ALockedModuleResistsCommandsButNotForceOrReferences) {
   KrRxGenHand* module = handleOf(L"locked");
   EXPECT_TRUE(krrxApplicationIsLocked(L"locked.krx"));
   EXPECT_FALSE(krrxUnloadModule(L"locked.krx", true));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"\nApplication 'locked.krx' is locked and could not be unloaded.\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"\nApplication 'locked.krx' is locked and could not be unloaded.\n"));
   EXPECT_TRUE(module->uiValue()) << "a refused command keeps its reference";
 
   EXPECT_TRUE(krrxLoadModule(L"locked.krx", false, false));
@@ -318,7 +303,7 @@ TEST_F(LinkerTest, ALockedModuleResistsCommandsButNotForceOrReferences) {
   EXPECT_FALSE(krTestLinker()->isAppBusy(L"absent"));
 
   EXPECT_TRUE(krTestLinker()->unloadModuleEx(L"locked.krx", true, true, true));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"\n'locked.krx' succefuly unloaded.\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"\n'locked.krx' succefuly unloaded.\n"));
 }
 
 TEST_F(LinkerTest, NamesWithoutExtensionPreferKraThenKrxThenDll) {
@@ -339,7 +324,7 @@ TEST_F(LinkerTest, NamesWithoutExtensionPreferKraThenKrxThenDll) {
   EXPECT_EQ(handleOf(L"abc"), dll);
   EXPECT_TRUE(krrxUnloadModule(L"abc", true));
   EXPECT_EQ(handleOf(L"abc"), nullptr);
-  takeHostMessages();
+  krdbTestTakeMessages();
 }
 
 TEST_F(LinkerTest, AModuleLoadsWithItsOwnDirectoryAsDllDirectoryAndEitherSeparator) {
@@ -355,7 +340,7 @@ TEST_F(LinkerTest, AModuleLoadsWithItsOwnDirectoryAsDllDirectoryAndEitherSeparat
     EXPECT_EQ(currentAfter, currentBefore) << "the current directory is restored";
     EXPECT_TRUE(krrxUnloadModule(name, true));
   }
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"\n'beside.krx' succefuly unloaded.\n", L"\n'beside.krx' succefuly unloaded.\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"\n'beside.krx' succefuly unloaded.\n", L"\n'beside.krx' succefuly unloaded.\n"));
 }
 
 TEST_F(LinkerTest, AnImportedExtensionModuleIsRegisteredFirstAndReleasedWithItsUser) {
@@ -383,13 +368,13 @@ TEST_F(LinkerTest, AnImportedExtensionModuleIsRegisteredFirstAndReleasedWithItsU
                                         L"reactor willBeUnloaded dependency.krx", L"monitor willBeUnloaded dependency.krx",
                                         L"monitor unloaded dependency.krx", L"reactor unloaded dependency.krx",
                                         L"monitor unloaded user.krx", L"reactor unloaded user.krx"));
-  takeHostMessages();
+  krdbTestTakeMessages();
 }
 
 TEST_F(LinkerTest, AFaultInAnEntryPointIsAFailedMessageWhileCatchingIsOn) {
   bCatchSendAppExceptions = true;
   EXPECT_FALSE(krrxLoadModule(L"faults.krx", true, true));
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"Failed to load 'faults.krx'\n"));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"Failed to load 'faults.krx'\n"));
   EXPECT_EQ(handleOf(L"faults"), nullptr);
   EXPECT_EQ(KrRxGenHand::curModule(), nullptr);
 
@@ -441,7 +426,7 @@ TEST_F(LinkerTest, ListFilesLoadEveryLineAndReportWhetherAllLoaded) {
   EXPECT_NE(handleOf(L"good"), nullptr);
   EXPECT_NE(handleOf(L"v140000"), nullptr) << "the last line needs no CR LF";
   EXPECT_TRUE(handleOf(L"good")->uiValue()) << "loaded as by command";
-  EXPECT_THAT(takeHostMessages(), IsEmpty());
+  EXPECT_THAT(krdbTestTakeMessages(), IsEmpty());
   EXPECT_TRUE(krrxUnloadModule(L"good", true));
   EXPECT_TRUE(krrxUnloadModule(L"v140000", true));
 
@@ -462,7 +447,7 @@ TEST_F(LinkerTest, ListFilesLoadEveryLineAndReportWhetherAllLoaded) {
   EXPECT_TRUE(krTestLinker()->initListedModules(list.c_str()));
   DeleteFileW(list.c_str());
   EXPECT_FALSE(krTestLinker()->initListedModules(list.c_str()));
-  takeHostMessages();
+  krdbTestTakeMessages();
 }
 
 TEST_F(LinkerTest, TheStartUpListFileIsNamedByTheHost) {
@@ -474,7 +459,7 @@ TEST_F(LinkerTest, TheStartUpListFileIsNamedByTheHost) {
   EXPECT_TRUE(krrxUnloadModule(L"good", true));
   krdbTestSetListFileBaseName(nullptr);
   DeleteFileW((base + L".rx").c_str());
-  takeHostMessages();
+  krdbTestTakeMessages();
 }
 
 TEST_F(LinkerTest, AModuleTheHostMappedCanBeRegistered) {
@@ -488,7 +473,7 @@ TEST_F(LinkerTest, AModuleTheHostMappedCanBeRegistered) {
   EXPECT_EQ(handleOf(L"good")->getVal(), mapped);
   EXPECT_TRUE(krrxUnloadModule(L"good", true));
   FreeLibrary(mapped);
-  takeHostMessages();
+  krdbTestTakeMessages();
 }
 
 TEST_F(LinkerTest, ApplicationsUnloadByTheirLogicalNames) {
@@ -499,7 +484,7 @@ TEST_F(LinkerTest, ApplicationsUnloadByTheirLogicalNames) {
   EXPECT_TRUE(krrxUnloadApp(L"SECOND NAME", true));
   EXPECT_EQ(handleOf(L"good"), nullptr);
   EXPECT_FALSE(krrxUnloadApp(L"Second Name", true));
-  EXPECT_THAT(takeHostMessages(), IsEmpty());
+  EXPECT_THAT(krdbTestTakeMessages(), IsEmpty());
 }
 
 TEST_F(LinkerTest, MessagesGoToEveryModuleOrToTheNamedOnes) {
@@ -592,7 +577,7 @@ TEST_F(RegisteredAppTest, AnApplicationLoadsByNameWithTheApplicationsItTriggers)
   EXPECT_TRUE(krrxUnloadApp(L"krlinkertesttriggered", true));
   EXPECT_TRUE(krrxUnloadApp(L"KrLinkerTestApp", true));
   EXPECT_FALSE(krrxAppIsLoaded(L"KrLinkerTestApp"));
-  EXPECT_THAT(takeHostMessages(), IsEmpty());
+  EXPECT_THAT(krdbTestTakeMessages(), IsEmpty());
 }
 
 TEST_F(RegisteredAppTest, LoadingForAReasonLoadsEveryApplicationSharingABitWithIt) {
@@ -612,7 +597,7 @@ TEST(HostMessageTest, MessagesAreFormattedOntoTheHostsOutput) {
   EXPECT_EQ(KrRxImpDynamicLinker::hostMessage(L"%ls has %d modules\n", L"host", 3), 5100);
   EXPECT_EQ(KrRxImpDynamicLinker::hostMessage(nullptr), -5003);
   EXPECT_EQ(KrRxImpDynamicLinker::hostMessage(L""), 5100);
-  EXPECT_THAT(takeHostMessages(), ElementsAre(L"host has 3 modules\n", L""));
+  EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"host has 3 modules\n", L""));
   EXPECT_STREQ(krrxProductKey(), L"Software\\Kestrune\\TestProduct");
   krdbTestSetProductKey(L"Software\\Other");
   EXPECT_STREQ(krTestLinker()->ProductKey(), L"Software\\Other");

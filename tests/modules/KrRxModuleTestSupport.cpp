@@ -2,9 +2,16 @@
 
 #include <windows.h>
 
-
 KrRxImpDynamicLinker* krTestLinker() {
   return KrRxImpDynamicLinker::cast(krrxSysRegistry()->at(L"DynamicLinker"));
+}
+
+std::wstring krSystemText(unsigned long error) {
+  wchar_t* text = nullptr;
+  FormatMessageW(0x1300, nullptr, error, 0x400, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+  std::wstring copy = text ? text : L"";
+  LocalFree(text);
+  return copy;
 }
 
 std::string krUtf16le(const std::wstring& text) {

@@ -17,6 +17,8 @@ T krModuleSymbol(const wchar_t* module, const char* symbol) {
   return reinterpret_cast<T>(krTestLinker()->getSymbolAddress(module, symbol));
 }
 
+// The system's text for an error code, as the linker reports it.
+std::wstring krSystemText(unsigned long error);
 std::string krUtf16le(const std::wstring& text);
 void krWriteFile(const std::wstring& path, const std::string& bytes);
 std::string krReadFile(const std::wstring& path);

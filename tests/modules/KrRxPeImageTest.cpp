@@ -1,6 +1,6 @@
-// The PE import reader: a small well-formed image and a dozen ways to break
-// it, real module files, and random damage. Malformed input yields no
-// names, never a read outside the image.
+// The PE image reader: a small well-formed image and a dozen ways to break
+// it, real module files and mapped modules, and random damage. Malformed
+// input yields no names, never a read outside the image.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,9 +15,11 @@
 #include <vector>
 
 #include "KrRxModuleTestSupport.h"
-#include "modules/KrRxPeImports.h"
+#include "modules/KrRxPeImage.h"
 
+using ::testing::AllOf;
 using ::testing::Contains;
+using ::testing::AnyOf;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -88,25 +90,37 @@ std::vector<unsigned char> buildImage(const Layout& layout = {}) {
   return image;
 }
 
-std::vector<std::string> namesOf(const std::vector<unsigned char>& image) {
-  return krrxPeImportNames(image.data(), image.size());
+std::vector<std::string> importsOf(const void* bytes, size_t size,
+                                   KrRxPeImage::Layout layout = KrRxPeImage::kFileLayout) {
+  std::vector<std::string> names;
+  KrRxPeImage(bytes, size, layout).importNames(names);
+  return names;
 }
 
-TEST(KrRxPeImportsTest, AWellFormedImageNamesItsImports) {
+std::vector<std::string> exportsOf(const void* bytes, size_t size,
+                                   KrRxPeImage::Layout layout = KrRxPeImage::kFileLayout) {
+  std::vector<std::string> names;
+  KrRxPeImage(bytes, size, layout).exportNames(names);
+  return names;
+}
+
+std::vector<std::string> namesOf(const std::vector<unsigned char>& image) { return importsOf(image.data(), image.size()); }
+
+TEST(KrRxPeImageTest, AWellFormedImageNamesItsImports) {
   EXPECT_THAT(namesOf(buildImage()), ElementsAre("a.dll", "b.dll"));
   Layout namesFirst;
   namesFirst.namesFirst = true;
   EXPECT_THAT(namesOf(buildImage(namesFirst)), ElementsAre("a.dll", "b.dll"));
 }
 
-TEST(KrRxPeImportsTest, EveryTruncationYieldsNothing) {
+TEST(KrRxPeImageTest, EveryTruncationYieldsNothing) {
   std::vector<unsigned char> image = buildImage();
   for (size_t size = 0; size < image.size(); ++size)
-    ASSERT_THAT(krrxPeImportNames(image.data(), size), IsEmpty()) << "cut at " << size;
-  EXPECT_THAT(krrxPeImportNames(nullptr, 100), IsEmpty());
+    ASSERT_THAT(importsOf(image.data(), size), IsEmpty()) << "cut at " << size;
+  EXPECT_THAT(importsOf(nullptr, 100), IsEmpty());
 }
 
-TEST(KrRxPeImportsTest, MalformedHeadersYieldNothing) {
+TEST(KrRxPeImageTest, MalformedHeadersYieldNothing) {
   struct Damage {
     const char* what;
     void (*apply)(std::vector<unsigned char>&);
@@ -139,7 +153,7 @@ TEST(KrRxPeImportsTest, MalformedHeadersYieldNothing) {
   }
 }
 
-TEST(KrRxPeImportsTest, UnterminatedNamesAndEndlessDescriptorListsYieldNothing) {
+TEST(KrRxPeImageTest, UnterminatedNamesAndEndlessDescriptorListsYieldNothing) {
   Layout unterminated;
   unterminated.terminateLast = false;
   EXPECT_THAT(namesOf(buildImage(unterminated)), IsEmpty());
@@ -149,24 +163,50 @@ TEST(KrRxPeImportsTest, UnterminatedNamesAndEndlessDescriptorListsYieldNothing) 
   EXPECT_THAT(namesOf(buildImage(endless)), IsEmpty());
 }
 
-TEST(KrRxPeImportsTest, RealModulesNameTheLibrariesTheyImport) {
-  std::vector<std::string> names = krrxPeImportNamesOfFile((krTestBinDirectory() + L"user.krx").c_str());
-  EXPECT_THAT(names, Contains("dependency.krx"));
-  EXPECT_THAT(names, Contains("kr1st20.dll"));
-  EXPECT_THAT(krrxPeImportNamesOfFile((krTestBinDirectory() + L"absent.krx").c_str()), IsEmpty());
-  EXPECT_THAT(krrxPeImportNamesOfFile(krTestBinDirectory().c_str()), IsEmpty()) << "a directory";
-  EXPECT_THAT(krrxPeImportNamesOfFile(nullptr), IsEmpty());
-  std::wstring empty = krTestBinDirectory() + L"empty.krx";
-  krWriteFile(empty, "");
-  EXPECT_THAT(krrxPeImportNamesOfFile(empty.c_str()), IsEmpty());
-  DeleteFileW(empty.c_str());
+TEST(KrRxPeImageTest, AnImageWithoutImportsIsWellFormed) {
+  std::vector<unsigned char> image = buildImage();
+  put<uint32_t>(image, kImportDirectory, 0);
+  std::vector<std::string> names;
+  EXPECT_TRUE(KrRxPeImage(image.data(), image.size()).importNames(names));
+  EXPECT_THAT(names, IsEmpty());
+  std::vector<unsigned char> noSlot = buildImage();
+  put<uint32_t>(noSlot, kOptionalHeader + 108, 1);
+  EXPECT_TRUE(KrRxPeImage(noSlot.data(), noSlot.size()).importNames(names));
+  EXPECT_THAT(names, IsEmpty()) << "the directory count leaves the import slot out";
 }
 
-TEST(KrRxPeImportsTest, RandomDamageNeverReadsOutsideTheImage) {
+TEST(KrRxPeImageTest, RealModulesNameTheirImportsExportsAndMachine) {
+  std::string user = krReadFile(krTestBinDirectory() + L"user.krx");
+  EXPECT_THAT(importsOf(user.data(), user.size()), AllOf(Contains("dependency.krx"), Contains("kr1st20.dll")));
+  EXPECT_THAT(exportsOf(user.data(), user.size()), AllOf(Contains("krrxGetApiVersion"), Contains("krrxEntryPoint")));
+  KrRxPeImage image(user.data(), user.size());
+  EXPECT_TRUE(image.isValid());
+  EXPECT_EQ(image.machine(), KrRxPeImage::kMachineX64);
+  EXPECT_TRUE(image.isX64Dll());
+
+  std::string program = krReadFile(krTestBinDirectory() + L"modules_linker_tests.exe");
+  KrRxPeImage exe(program.data(), program.size());
+  EXPECT_TRUE(exe.isValid());
+  EXPECT_FALSE(exe.isX64Dll()) << "a program, not a DLL";
+  EXPECT_FALSE(KrRxPeImage(user.data(), 0x100).isValid());
+  EXPECT_FALSE(KrRxPeImage(nullptr, 4096).isX64Dll());
+}
+
+TEST(KrRxPeImageTest, AMappedModuleReadsAtItsVirtualAddresses) {
+  HMODULE module = GetModuleHandleW(L"KRDB20.DLL");
+  ASSERT_NE(module, nullptr);
+  auto* base = reinterpret_cast<const unsigned char*>(module);
+  auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
+  size_t size = headers->OptionalHeader.SizeOfImage;
+  EXPECT_THAT(exportsOf(base, size, KrRxPeImage::kMappedLayout), Contains("krdbTestMessageCount"));
+  EXPECT_THAT(importsOf(base, size, KrRxPeImage::kMappedLayout), Contains(AnyOf("KERNEL32.dll", "kernel32.dll")));
+}
+
+TEST(KrRxPeImageTest, RandomDamageNeverReadsOutsideTheImage) {
   std::string file = krReadFile(krTestBinDirectory() + L"user.krx");
   std::vector<unsigned char> original(file.begin(), file.end());
   std::mt19937 random(20);
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 1000; ++round) {
     std::vector<unsigned char> image = original;
     // Header bytes are where damage matters most.
     size_t span = round % 2 ? image.size() : 1024;
@@ -175,7 +215,10 @@ TEST(KrRxPeImportsTest, RandomDamageNeverReadsOutsideTheImage) {
     // An exact-size heap copy: a read past its end would meet the heap's guard.
     std::unique_ptr<unsigned char[]> exact(new unsigned char[image.size() + 1]);
     memcpy(exact.get(), image.data(), image.size());
-    krrxPeImportNames(exact.get(), image.size());
+    KrRxPeImage reader(exact.get(), image.size());
+    std::vector<std::string> names;
+    reader.importNames(names);
+    reader.exportNames(names);
   }
   SUCCEED();
 }

@@ -1,0 +1,194 @@
+// krhost's commands, run as a user runs them: exit status, the text form's
+// key lines and the JSON form read back, on the sample modules.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <string>
+
+#include "KrHostRun.h"
+#include "KrTestFiles.h"
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+namespace {
+
+std::wstring samplesFolder() { return krTestBinDirectory() + L"samples"; }
+
+// The row of table whose member key has the text value.
+const KrJson& rowWith(const KrJson& table, const char* key, const std::string& value) {
+  for (const KrJson& row : table.items())
+    if (row[key].text() == value) return row;
+  static const KrJson missing;
+  return missing;
+}
+
+TEST(HostCommandTest, HelpListsEveryCommandAndUsageErrorsFail) {
+  KrHostRun help = krRunHost(L"--help");
+  EXPECT_EQ(help.exitCode, 0);
+  for (const char* command : {"demo", "tree", "services", "registry", "load", "check", "apps", "describe"})
+    EXPECT_THAT(help.out, HasSubstr(std::string("\n  ") + command + " ")) << command;
+  EXPECT_THAT(help.out, ::testing::Not(HasSubstr("__version")));
+
+  KrHostRun commandHelp = krRunHost(L"check --help");
+  EXPECT_EQ(commandHelp.exitCode, 0);
+  EXPECT_THAT(commandHelp.out, HasSubstr("Usage: krhost check [--json] <module>..."));
+
+  KrHostRun unknown = krRunHost(L"frobnicate");
+  EXPECT_EQ(unknown.exitCode, 1);
+  EXPECT_THAT(unknown.err, HasSubstr("unknown command \"frobnicate\""));
+  EXPECT_EQ(krRunHost(L"tree --bogus").exitCode, 1);
+  EXPECT_EQ(krRunHost(L"describe").exitCode, 1);
+  EXPECT_EQ(krRunHost(L"tree --with").exitCode, 1);
+  EXPECT_EQ(krRunHost(L"demo --json").exitCode, 1);
+}
+
+TEST(HostCommandTest, TreeShowsModuleClassesWithTheirProtocolExtensions) {
+  KrHostRun text = krRunHost(L"tree --with shapes.krx", samplesFolder());
+  EXPECT_EQ(text.exitCode, 0);
+  EXPECT_THAT(text.out, HasSubstr("\n    KrSampleShape "));
+  EXPECT_THAT(text.out, HasSubstr("\n      KrSampleCircle "));
+
+  KrHostRun json = krRunHost(L"tree --json --with shapes.krx", samplesFolder());
+  ASSERT_EQ(json.exitCode, 0);
+  KrJson doc = json.json();
+  ASSERT_EQ(doc.kind(), KrJson::kObject) << json.out;
+  EXPECT_TRUE(doc["with"][0]["loaded"].truth());
+  const KrJson& circle = rowWith(doc["classes"], "name", "KrSampleCircle");
+  EXPECT_EQ(circle["parent"].text(), "KrSampleShape");
+  EXPECT_EQ(circle["depth"].number(), 2);
+  EXPECT_THAT(circle["extensions"].texts(), ElementsAre("KrSampleDescriber: KrSampleShapeDescriber"));
+  EXPECT_EQ(rowWith(doc["classes"], "name", "KrRxObject")["parent"].kind(), KrJson::kNull);
+}
+
+TEST(HostCommandTest, ServicesNameTheirOwnerModule) {
+  KrHostRun run = krRunHost(L"services --json --with greeter.kra --with shapes.krx", samplesFolder());
+  ASSERT_EQ(run.exitCode, 0);
+  KrJson doc = run.json();
+  EXPECT_EQ(rowWith(doc["services"], "name", "SampleGreeterService")["owner"].text(), "greeter.kra");
+  EXPECT_EQ(rowWith(doc["services"], "name", "SampleShapeService")["owner"].text(), "shapes.krx");
+  EXPECT_EQ(rowWith(doc["services"], "name", "KernelServices")["owner"].text(), "runtime");
+  EXPECT_FALSE(rowWith(doc["services"], "name", "KernelServices")["hasDependants"].truth());
+
+  KrHostRun without = krRunHost(L"services --json", samplesFolder());
+  EXPECT_EQ(rowWith(without.json()["services"], "name", "SampleShapeService").kind(), KrJson::kInvalid);
+}
+
+TEST(HostCommandTest, RegistryListsTheSystemEntries) {
+  KrHostRun run = krRunHost(L"registry --json");
+  ASSERT_EQ(run.exitCode, 0);
+  KrJson doc = run.json();
+  EXPECT_EQ(rowWith(doc["registry"], "key", "DynamicLinker")["class"].text(), "KrRxImpDynamicLinker");
+  EXPECT_EQ(rowWith(doc["registry"], "key", "ClassDictionary")["class"].text(), "KrRxImpDictionary");
+}
+
+TEST(HostCommandTest, DescribeTellsOwnAndInheritedExtensions) {
+  KrHostRun circle = krRunHost(L"describe KrSampleCircle --json --with shapes.krx", samplesFolder());
+  ASSERT_EQ(circle.exitCode, 0) << circle.out;
+  KrJson doc = circle.json();
+  EXPECT_EQ(doc["parent"].text(), "KrSampleShape");
+  EXPECT_THAT(doc["ancestors"].texts(), ElementsAre("KrSampleShape", "KrRxObject"));
+  EXPECT_EQ(rowWith(doc["extensions"], "protocol", "KrSampleDescriber")["from"].text(),
+            "inherited from KrSampleShape");
+
+  KrHostRun shape = krRunHost(L"describe KrSampleShape --with shapes.krx", samplesFolder());
+  EXPECT_EQ(shape.exitCode, 0);
+  EXPECT_THAT(shape.out, HasSubstr("KrSampleDescriber  KrSampleShapeDescriber  own"));
+  EXPECT_THAT(shape.out, HasSubstr("\nChildren:    KrSampleCircle\n"));
+
+  KrHostRun wrongCase = krRunHost(L"describe krsamplecircle --json --with shapes.krx", samplesFolder());
+  EXPECT_EQ(wrongCase.exitCode, 1);
+  EXPECT_THAT(wrongCase.json()["similar"].texts(), ElementsAre("KrSampleCircle"));
+}
+
+TEST(HostCommandTest, LoadTellsWhatEachModuleAddedAndUnloadsInReverse) {
+  KrHostRun run = krRunHost(L"load --json shapes.krx greeter.kra", samplesFolder());
+  ASSERT_EQ(run.exitCode, 0) << run.out;
+  KrJson doc = run.json();
+  const KrJson& shapes = doc["modules"][0];
+  EXPECT_TRUE(shapes["loaded"].truth());
+  EXPECT_THAT(shapes["classes"].texts(),
+              ElementsAre("KrSampleCircle", "KrSampleDescriber", "KrSampleShape", "KrSampleShapeDescriber"));
+  EXPECT_THAT(shapes["services"].texts(), ElementsAre("SampleShapeService"));
+  const KrJson& greeter = doc["modules"][1];
+  EXPECT_THAT(greeter["appData"].texts(), ElementsAre("Motto (KrRxTextString)"));
+  EXPECT_THAT(greeter["unloadMessages"].texts(), ElementsAre("'greeter.kra' succefuly unloaded."));
+  EXPECT_TRUE(doc["ok"].truth());
+
+  KrHostRun text = krRunHost(L"load shapes.krx", samplesFolder());
+  EXPECT_THAT(text.out, HasSubstr("Services added:   SampleShapeService\n"));
+}
+
+TEST(HostCommandTest, LoadFailsWithTheLinkersMessages) {
+  KrHostRun run = krRunHost(L"load --json good.krx faultver.krx");
+  EXPECT_EQ(run.exitCode, 1);
+  KrJson doc = run.json();
+  EXPECT_TRUE(doc["modules"][0]["loaded"].truth());
+  EXPECT_FALSE(doc["modules"][1]["loaded"].truth());
+  EXPECT_THAT(doc["modules"][1]["messages"].texts(),
+              Contains(HasSubstr("krrxGetApiVersion faulted in faultver.krx")));
+  EXPECT_THAT(doc["modules"][1]["messages"].texts(), Contains("Failed to load 'faultver.krx'"));
+  EXPECT_FALSE(doc["ok"].truth());
+}
+
+// An application registered below a product key of the test's own.
+class HostAppsTest : public ::testing::Test {
+ protected:
+  static constexpr const wchar_t* kProductKey = L"Software\\Kestrune\\KrhostTest";
+
+  void SetUp() override {
+    HKEY app, triggers;
+    std::wstring path = std::wstring(kProductKey) + L"\\Applications\\KrhostTestApp";
+    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &app, nullptr), 0);
+    setText(app, L"LOADER", L"good.krx");
+    setText(app, L"DESCRIPTION", L"An application of the krhost test");
+    setText(app, L"PRODCODE", L"KR-42");
+    DWORD flags = 0x0C;
+    RegSetValueExW(app, L"LOADCTRLS", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&flags), sizeof(flags));
+    ASSERT_EQ(RegCreateKeyExW(app, L"Triggers", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &triggers, nullptr), 0);
+    setText(triggers, L"KrhostTrigger", L"");
+    RegCloseKey(triggers);
+    RegCloseKey(app);
+  }
+  void TearDown() override { RegDeleteTreeW(HKEY_CURRENT_USER, kProductKey); }
+
+  static void setText(HKEY key, const wchar_t* name, const wchar_t* text) {
+    RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), DWORD((wcslen(text) + 1) * 2));
+  }
+};
+
+TEST_F(HostAppsTest, AppsShowLoaderReasonsTriggersAndProductCode) {
+  KrHostRun run = krRunHost(std::wstring(L"apps --json --product-key ") + kProductKey);
+  ASSERT_EQ(run.exitCode, 0);
+  KrJson doc = run.json();
+  EXPECT_EQ(doc["productKey"].text(), "Software\\Kestrune\\KrhostTest");
+  const KrJson& app = rowWith(doc["apps"], "name", "KrhostTestApp");
+  EXPECT_EQ(app["loader"].text(), "good.krx");
+  EXPECT_EQ(app["loadCtrls"].text(), "0xC");
+  EXPECT_THAT(app["loadReasons"].texts(), ElementsAre("by name or trigger (0x8)", "host reason 0x4"));
+  EXPECT_THAT(app["triggers"].texts(), ElementsAre("KrhostTrigger"));
+  EXPECT_EQ(app["productCode"].text(), "KR-42");
+  EXPECT_EQ(app["description"].text(), "An application of the krhost test");
+  EXPECT_FALSE(app["loaded"].truth());
+
+  KrHostRun text = krRunHost(std::wstring(L"apps --product-key ") + kProductKey);
+  EXPECT_THAT(text.out, HasSubstr("KrhostTestApp"));
+  EXPECT_EQ(rowWith(krRunHost(L"apps --json").json()["apps"], "name", "KrhostTestApp").kind(), KrJson::kInvalid)
+      << "without the product key the application is not found";
+}
+
+TEST(HostDemoTest, DemoLoadsGreetsAndUnloadsTheSamples) {
+  KrHostRun run = krRunHost(L"", samplesFolder());
+  EXPECT_EQ(run.exitCode, 0) << run.out;
+  EXPECT_THAT(run.out, HasSubstr("krrxProcessInitFile: every module loaded"));
+  EXPECT_THAT(run.out, HasSubstr("reply \"Hello from greeter.kra\""));
+  EXPECT_THAT(run.out, HasSubstr("  greeter.kra: unloaded"));
+  EXPECT_THAT(run.out, HasSubstr("  unloaded: shapes.krx"));
+}
+
+}  // namespace
