@@ -85,6 +85,12 @@ TEST(HostCheckTest, ImportVerdicts) {
                     "built against a newer runtime: this kr1st20.dll lacks krrxFunctionOfANewerRuntime");
 }
 
+TEST(HostCheckTest, ExtensionModulesItImportsLoadFirst) {
+  Verdict verdict = check(L"user.krx");
+  EXPECT_EQ(verdict.exitCode, 0) << verdict.text;
+  EXPECT_EQ(row(verdict, "loads first")["detail"].text(), "dependency.krx");
+}
+
 TEST(HostCheckTest, NamesThatResolveToNothing) {
   Verdict nothing = check(L"nosuchmodule");
   EXPECT_EQ(nothing.exitCode, 1);
