@@ -76,7 +76,8 @@ class KrSampleLargeShapeDescriber : public KrSampleDescriber {
 // An overrule changes behaviour of an existing class without deriving from
 // it: while overruling is on, queryX on a shape larger than 100 square units
 // (a square, not a circle) answers the large-shape describer instead of the
-// one attached to the class.
+// one attached to the class. Its class is registered like the others, so
+// that a host can name the overrule that decided.
 class KrSampleLargeShapeOverrule : public KrRxQueryXOverrule {
   KRRX_DECLARE_MEMBERS(KrSampleLargeShapeOverrule);
 
