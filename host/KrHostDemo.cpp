@@ -1,14 +1,18 @@
 // The demo prints what the runtime holds (system registry, services, class
-// tree with protocol extensions), then loads the sample modules named in a
-// start-up list file that it writes into the current directory (run it from
-// the samples' folder), shows them in the loaded-module table and the class
-// tree, sends one of them a message, unloads them and tells what a linker
-// reactor saw meanwhile.
+// tree with protocol extensions) and how values are written as text, then
+// loads the sample modules named in a start-up list file that it writes into
+// the current directory (run it from the samples' folder), shows them in the
+// loaded-module table and the class tree, shows what the shapes module adds
+// (an overrule, a protocol reactor, two properties), sends the greeter a
+// message, unloads them and tells what a linker reactor saw meanwhile.
 
 #include "host/KrHostDemo.h"
 
 #include <windows.h>
 
+#include <cmath>
+#include <cstdlib>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -108,6 +112,112 @@ void printGreeting() {
   print(std::wstring(L"Its application data \"Motto\": \"") + (motto ? motto->getAsciiPtr() : L"(none)") + L"\"\n");
 }
 
+// ---- Values: each written by its class's formattable ----
+
+void addValueRow(KrHostTable& table, const KrRxObject& value, const std::wstring& holding) {
+  wchar_t* text = nullptr;
+  Kesu::ErrorStatus status = krrxFormatObject(&value, text, nullptr);
+  table.row({value.isA()->name(), holding,
+             status == Kesu::eOk ? KrHostValue(text) : KrHostValue(L"(status " + std::to_wstring(status) + L")")});
+  free(text);
+}
+
+void printValues() {
+  printTitle(L"Values and their text forms (krrxFormatObject)");
+  KrHostReport report;
+  KrHostTable& table = report.table("values", L"Values", {{"class", L"CLASS"}, {"holding", L"HOLDING"}, {"text", L"TEXT"}});
+  addValueRow(table, KrVtFloat64(1234.5), L"1234.5");
+  addValueRow(table, KrVtFloat64(12345678901.0), L"12345678901.0");
+  addValueRow(table, KrVtFloat64(std::nan("")), L"NaN, the unset value");
+  addValueRow(table, KrVtFloat64(HUGE_VAL), L"+infinity");
+  addValueRow(table, KrVtInt8(-128), L"-128, the smallest");
+  addValueRow(table, KrVtUInt64(std::numeric_limits<unsigned __int64>::max()), L"the largest");
+  addValueRow(table, KrVtBool(true), L"true");
+  addValueRow(table, KrRxTextString(L"Kestrune", -1), L"a text");
+  KrVtBool answer(true);
+  Kesu::ErrorStatus read = krrxParseObject(&answer, L"no", nullptr);
+  addValueRow(table, answer, L"read from \"no\" (status " + std::to_wstring(read) + L")");
+  KrVtDate day;
+  day.setDate(2023, 5, 17);
+  addValueRow(table, day, L"setDate(2023, 5, 17), model time");
+  KrVtTime time(-0.0);
+  time.setTime(8, 30, 5, 250);
+  addValueRow(table, time, L"setTime(8, 30, 5, 250), universal time");
+  addValueRow(table, KrVtRatio(0.75), L"0.75");
+  addValueRow(table, KrVtPercentage(0.125), L"0.125");
+  addValueRow(table, KrVtCurrency(1234.5), L"1234.5");
+  print(L"\n" + report.text());
+}
+
+// ---- What the shapes module adds ----
+
+const wchar_t* const kShapeClasses[] = {L"KrSampleCircle", L"KrSampleSquare"};
+
+void printOverruling() {
+  print(std::wstring(L"\nOverruling: ") + (KrRxOverrule::isOverruling() ? L"on" : L"off") + L"\n");
+}
+
+// Which describer answers queryX on a new circle and a new square, and the
+// overrule that decided where one did.
+void printDescribers() {
+  KrHostReport report;
+  KrHostTable& table = report.table("describers", L"queryX(KrSampleDescriber) on new shapes",
+                                    {{"shape", L"SHAPE"}, {"answer", L"ANSWERED BY"}, {"overrule", L"DECIDED BY OVERRULE"}});
+  KrRxClass* describer = krrxFindKrRxClass(L"KrSampleDescriber");
+  for (const wchar_t* name : kShapeClasses) {
+    KrRxObject* shape = krrxFindKrRxClass(name)->create();
+    KrRxObject* answer = shape->queryX(describer);
+    KrRxOverrule* overrule = KrRxOverruleInternals::queryOverrule(shape, KrRxQueryXOverrule::desc());
+    table.row({name, answer ? KrHostValue(answer->isA()->name()) : KrHostValue(),
+               overrule ? KrHostValue(overrule->isA()->name()) : KrHostValue()});
+    delete shape;
+  }
+  print(L"\n" + report.text());
+}
+
+// The reactor lists of the shape class's manager: each reactor class and how many reactors it holds.
+void printShapeReactors() {
+  KrHostReport report;
+  KrHostTable& table = report.table("reactors", L"Protocol reactors on KrSampleShape",
+                                    {{"reactorClass", L"REACTOR CLASS"}, {"count", L"REACTORS"}});
+  auto* services = static_cast<KrRxDictionary*>(krrxSysRegistry()->at(L"ServiceDictionary"));
+  auto* factory = KrRxProtocolReactorManagerFactory::cast(services->at(L"ProtocolReactorManager"));
+  KrRxProtocolReactorListIterator* lists =
+      factory->createReactorManager(krrxFindKrRxClass(L"KrSampleShape"))->newIterator();
+  for (; !lists->done(); lists->next()) {
+    auto* list = static_cast<KrRxProtocolReactorList*>(lists->object());
+    KrRxProtocolReactorIterator* reactors = list->newIterator();
+    long long count = 0;
+    for (; !reactors->done(); reactors->next()) ++count;
+    delete reactors;
+    table.row({list->reactorClass()->name(), KrHostValue::number(count)});
+  }
+  delete lists;
+  print(L"\n" + report.text());
+}
+
+// The shape class's properties read on a new square, one by one and through a template.
+void printShapeProperties() {
+  KrRxObject* square = krrxFindKrRxClass(L"KrSampleSquare")->create();
+  KrHostReport report;
+  krhostReportSymbols(report, krrxFindKrRxClass(L"KrSampleShape"), square);
+  print(L"\n" + report.text());
+  wchar_t* text = nullptr;
+  krrfFormatString(L"Width: %<width>%, height: %<height>%", square, text);
+  print(std::wstring(L"krrfFormatString(L\"Width: %<width>%, height: %<height>%\", square): \"") +
+        (text ? text : L"") + L"\"\n");
+  free(text);
+  delete square;
+}
+
+void printShapesModule() {
+  printTitle(L"What shapes.krx added: an overrule, a protocol reactor and properties");
+  printOverruling();
+  printDescribers();
+  printShapeReactors();
+  printShapeProperties();
+}
+
 void unloadSampleModules() {
   printTitle(L"Unloading them");
   for (const wchar_t* module : kSampleModules) {
@@ -132,6 +242,7 @@ int runDemo(const KrHostInvocation& invocation) {
   printReport(krhostReportRegistry);
   printReport(krhostReportServices);
   printReport(krhostReportClassTree);
+  printValues();
 
   LoggingReactor reactor;
   krhostLinker()->addReactor(&reactor);
@@ -139,9 +250,11 @@ int runDemo(const KrHostInvocation& invocation) {
   printLoadedModules();
   printReport(krhostReportServices);
   printReport(krhostReportClassTree);
+  printShapesModule();
   printGreeting();
   unloadSampleModules();
   printLoadedModules();
+  printOverruling();
   krhostLinker()->removeReactor(&reactor);
   printReactorLog(reactor);
   return listed ? 0 : 1;
@@ -151,11 +264,12 @@ int runDemo(const KrHostInvocation& invocation) {
 
 void krhostAddDemoCommand(KrHostCommandTable& table) {
   table.push_back({L"demo", L"", L"A tour of the runtime with the sample modules (what plain krhost runs).",
-                   L"Prints the system registry, the services and the class tree, loads the two\n"
-                   L"sample modules through a start-up list file (krrx.rx, written into the\n"
-                   L"current directory: run it in the samples' folder), shows them, sends one a\n"
-                   L"message, unloads both and prints what a linker reactor saw. Its output is\n"
-                   L"narrative text only: --json is refused (the other commands give the same\n"
-                   L"facts as JSON).",
+                   L"Prints the system registry, the services, the class tree and values in their\n"
+                   L"text forms, loads the two sample modules through a start-up list file\n"
+                   L"(krrx.rx, written into the current directory: run it in the samples'\n"
+                   L"folder), shows them with the overrule, protocol reactor and properties the\n"
+                   L"shapes module adds, sends one a message, unloads both and prints what a\n"
+                   L"linker reactor saw. Its output is narrative text only: --json is refused\n"
+                   L"(the other commands give the same facts as JSON).",
                    {}, runDemo});
 }

@@ -1,5 +1,6 @@
 #include "host/KrHostRuntimeCommands.h"
 
+#include <cstdlib>
 #include <cwctype>
 
 #include "host/KrHostLoading.h"
@@ -126,6 +127,7 @@ void reportClass(KrHostReport& report, const KrRxClass* cls) {
   report.field("version", L"Version", std::to_wstring(version) + L"." + std::to_wstring(maintenance));
   report.field("proxyFlags", L"Proxy flags", KrHostValue::number(cls->proxyFlags()));
   reportExtensions(report, cls);
+  krhostReportSymbols(report, cls);
 }
 
 int runDescribe(const KrHostInvocation& invocation) {
@@ -164,6 +166,54 @@ void krhostReportServices(KrHostReport& report) {
   });
 }
 
+namespace {
+
+// The reflection extension of cls or of its nearest ancestor that has one
+// (asking the class's providers too), or null.
+KrRfReflectionPE* nearestSymbols(const KrRxClass* cls) {
+  KrRfReflectionService* reflection = krrfReflectionService();
+  if (!reflection) return nullptr;
+  for (; cls; cls = cls->myParent())
+    if (KrRfReflectionPE* symbols = reflection->requestReflectionPE(const_cast<KrRxClass*>(cls))) return symbols;
+  return nullptr;
+}
+
+// The property's value on object as its formattable writes it, or nothing.
+KrHostValue valueText(const KrRfSymbol* symbol, const KrRxObject* object) {
+  KrRxObject* value = nullptr;
+  if (!KrRfProperty::cast(symbol) || krrfEvaluateString(symbol->name(), object, value) != Kesu::eOk) return {};
+  wchar_t* text = nullptr;
+  KrHostValue cell = krrxFormatObject(value, text, nullptr) == Kesu::eOk ? KrHostValue(text) : KrHostValue();
+  free(text);
+  delete value;
+  return cell;
+}
+
+}  // namespace
+
+void krhostReportSymbols(KrHostReport& report, const KrRxClass* cls, const KrRxObject* object) {
+  std::vector<KrHostTable::Column> columns = {{"class", L"CLASS"},
+                                              {"name", L"NAME"},
+                                              {"displayName", L"DISPLAY NAME"},
+                                              {"kind", L"KIND"},
+                                              {"valueClass", L"VALUE CLASS"}};
+  if (object) columns.push_back({"value", std::wstring(L"VALUE ON A ") + object->isA()->name()});
+  KrHostTable& table = report.table("symbols", L"Symbols and properties", columns);
+  KrRfReflectionPE* symbols = nearestSymbols(cls);
+  if (!symbols) return;
+  KrRfSymbolIterator* it = symbols->newSymbolIterator(nullptr);
+  for (; !it->done(); it->next()) {
+    KrRfSymbol* symbol = it->symbol();
+    KrRxClass* valueClass = symbol->valueType();
+    std::vector<KrHostValue> cells = {it->currentClass()->name(), symbol->name(), symbol->displayName(),
+                                      KrRfProperty::cast(symbol) ? L"property" : L"symbol",
+                                      valueClass ? KrHostValue(valueClass->name()) : KrHostValue()};
+    if (object) cells.push_back(valueText(symbol, object));
+    table.row(cells);
+  }
+  delete it;
+}
+
 void krhostReportClassTree(KrHostReport& report) {
   KrHostTable& table = report.table("classes", L"Class tree",
                                     {{"name", L"CLASS"},
@@ -187,7 +237,8 @@ void krhostAddRuntimeCommands(KrHostCommandTable& table) {
   table.push_back({L"describe", L"<class>", L"Describes one class: its place in the tree and its protocol extensions.",
                    L"Shows the descriptor's information (parent, ancestors, children, application\n"
                    L"name, DXF name, version, proxy flags) and every protocol extension the class\n"
-                   L"answers, own or inherited (and from which class). Class names are\n"
-                   L"case-sensitive; load the module that defines a class with --with.",
+                   L"answers, own or inherited (and from which class), then its symbols and\n"
+                   L"properties with their value classes, root-most class first. Class names\n"
+                   L"are case-sensitive; load the module that defines a class with --with.",
                    {KrHostWithModules::kOption}, runDescribe, 1});
 }

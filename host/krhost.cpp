@@ -7,6 +7,7 @@
 #include "host/KrHostCheck.h"
 #include "host/KrHostCommand.h"
 #include "host/KrHostDemo.h"
+#include "host/KrHostFormatCommand.h"
 #include "host/KrHostModuleCommands.h"
 #include "host/KrHostRuntimeCommands.h"
 #include "host/KrHostServices.h"
@@ -17,6 +18,7 @@ int wmain(int argc, wchar_t** argv) {
   KrHostCommandTable table;
   krhostAddDemoCommand(table);
   krhostAddRuntimeCommands(table);
+  krhostAddFormatCommand(table);
   krhostAddModuleCommands(table);
   krhostAddCheckCommand(table);
   return krhostRun(table, argc, argv);

@@ -62,7 +62,7 @@ TEST(HostCommandTest, TreeShowsModuleClassesWithTheirProtocolExtensions) {
   const KrJson& circle = rowWith(doc["classes"], "name", "KrSampleCircle");
   EXPECT_EQ(circle["parent"].text(), "KrSampleShape");
   EXPECT_EQ(circle["depth"].number(), 2);
-  EXPECT_THAT(circle["extensions"].texts(), ElementsAre("KrSampleDescriber: KrSampleShapeDescriber"));
+  EXPECT_THAT(circle["extensions"].texts(), Contains("KrSampleDescriber: KrSampleShapeDescriber"));
   EXPECT_EQ(rowWith(doc["classes"], "name", "KrRxObject")["parent"].kind(), KrJson::kNull);
 }
 
@@ -98,12 +98,69 @@ TEST(HostCommandTest, DescribeTellsOwnAndInheritedExtensions) {
 
   KrHostRun shape = krRunHost(L"describe KrSampleShape --with shapes.krx", samplesFolder());
   EXPECT_EQ(shape.exitCode, 0);
-  EXPECT_THAT(shape.out, HasSubstr("KrSampleDescriber  KrSampleShapeDescriber  own"));
-  EXPECT_THAT(shape.out, HasSubstr("\nChildren:    KrSampleCircle\n"));
+  EXPECT_THAT(shape.out, HasSubstr("KrSampleDescriber      KrSampleShapeDescriber  own"));
+  EXPECT_THAT(shape.out, HasSubstr("\nChildren:    KrSampleCircle, KrSampleSquare\n"));
 
   KrHostRun wrongCase = krRunHost(L"describe krsamplecircle --json --with shapes.krx", samplesFolder());
   EXPECT_EQ(wrongCase.exitCode, 1);
   EXPECT_THAT(wrongCase.json()["similar"].texts(), ElementsAre("KrSampleCircle"));
+}
+
+TEST(HostCommandTest, DescribeListsTheShapePropertiesOnEveryShape) {
+  KrHostRun circle = krRunHost(L"describe KrSampleCircle --json --with shapes.krx", samplesFolder());
+  ASSERT_EQ(circle.exitCode, 0) << circle.out;
+  KrJson doc = circle.json();
+  const KrJson& symbols = doc["symbols"];
+  ASSERT_EQ(symbols.items().size(), 2u) << circle.out;
+  const char* names[] = {"width", "height"};
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(symbols[i]["name"].text(), names[i]);
+    EXPECT_EQ(symbols[i]["class"].text(), "KrSampleShape") << "inherited from the shape class";
+    EXPECT_EQ(symbols[i]["kind"].text(), "property");
+    EXPECT_EQ(symbols[i]["valueClass"].text(), "KrVtFloat64");
+  }
+
+  KrHostRun shape = krRunHost(L"describe KrSampleShape --with shapes.krx", samplesFolder());
+  EXPECT_THAT(shape.out, HasSubstr("Symbols and properties (2)"));
+  EXPECT_THAT(shape.out, HasSubstr("KrSampleShape  height  Height        property  KrVtFloat64"));
+}
+
+TEST(HostCommandTest, FormatWritesBackWhatItRead) {
+  struct Case {
+    const wchar_t* arguments;
+    const char* text;
+  };
+  for (const Case& c : {Case{L"format --json KrVtDate 2023/05/17", "2023-05-17"},
+                        Case{L"format --json KrVtRatio \"6 : 8\"", "3 : 4"},
+                        Case{L"format --json KrVtPercentage 45", "45%"}}) {
+    KrHostRun run = krRunHost(c.arguments);
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    KrJson doc = run.json();
+    EXPECT_TRUE(doc["ok"].truth()) << run.out;
+    EXPECT_EQ(doc["text"].text(), c.text) << run.out;
+  }
+  KrHostRun text = krRunHost(L"format KrVtDate 2023/05/17");
+  EXPECT_THAT(text.out, HasSubstr("\nText:  2023-05-17\n"));
+  EXPECT_THAT(krRunHost(L"format --help").out, HasSubstr("Usage: krhost format [--with <module>] [--json] <class> <text>"));
+}
+
+TEST(HostCommandTest, FormatFailsWithTheReason) {
+  struct Case {
+    const wchar_t* arguments;
+    const char* problem;
+  };
+  for (const Case& c : {Case{L"format --json KrVtDate tomorrow", "\"tomorrow\" does not read as a KrVtDate"},
+                        Case{L"format --json KrVtDat 2023", "no class named KrVtDat"},
+                        Case{L"format --json KrRfValue 1", "KrRfValue cannot be created"},
+                        Case{L"format --json --with shapes.krx KrSampleCircle 1", "KrSampleCircle has no text form"}}) {
+    KrHostRun run = krRunHost(c.arguments, samplesFolder());
+    EXPECT_EQ(run.exitCode, 1) << run.out;
+    KrJson doc = run.json();
+    EXPECT_FALSE(doc["ok"].truth()) << run.out;
+    EXPECT_THAT(doc["problem"].text(), HasSubstr(c.problem));
+    EXPECT_EQ(doc["text"].kind(), KrJson::kInvalid) << "nothing written";
+  }
+  EXPECT_EQ(krRunHost(L"format KrVtDate").exitCode, 1) << "the text is missing";
 }
 
 TEST(HostCommandTest, LoadTellsWhatEachModuleAddedAndUnloadsInReverse) {
@@ -113,7 +170,9 @@ TEST(HostCommandTest, LoadTellsWhatEachModuleAddedAndUnloadsInReverse) {
   const KrJson& shapes = doc["modules"][0];
   EXPECT_TRUE(shapes["loaded"].truth());
   EXPECT_THAT(shapes["classes"].texts(),
-              ElementsAre("KrSampleCircle", "KrSampleDescriber", "KrSampleShape", "KrSampleShapeDescriber"));
+              ElementsAre("KrSampleCircle", "KrSampleDescriber", "KrSampleLargeShapeDescriber",
+                          "KrSampleLargeShapeOverrule", "KrSampleShape", "KrSampleShapeDescriber",
+                          "KrSampleShapeReactor", "KrSampleSquare"));
   EXPECT_THAT(shapes["services"].texts(), ElementsAre("SampleShapeService"));
   const KrJson& greeter = doc["modules"][1];
   EXPECT_THAT(greeter["appData"].texts(), ElementsAre("Motto (KrRxTextString)"));
@@ -187,6 +246,14 @@ TEST(HostDemoTest, DemoLoadsGreetsAndUnloadsTheSamples) {
   EXPECT_EQ(run.exitCode, 0) << run.out;
   EXPECT_THAT(run.out, HasSubstr("krrxProcessInitFile: every module loaded"));
   EXPECT_THAT(run.out, HasSubstr("reply \"Hello from greeter.kra\""));
+  EXPECT_THAT(run.out, HasSubstr("3 : 4\n"));
+  EXPECT_THAT(run.out, HasSubstr("08:30:05.250Z\n"));
+  EXPECT_THAT(run.out, HasSubstr("KrSampleSquare  KrSampleLargeShapeDescriber  KrSampleLargeShapeOverrule\n"));
+  EXPECT_THAT(run.out, HasSubstr("KrSampleShapeReactor  1\n"));
+  EXPECT_THAT(run.out, HasSubstr("\"Width: 20.000, height: 20.000\""));
+  size_t on = run.out.find("Overruling: on");
+  EXPECT_NE(on, std::string::npos);
+  EXPECT_NE(run.out.find("Overruling: off", on), std::string::npos) << "off again once shapes.krx is unloaded";
   EXPECT_THAT(run.out, HasSubstr("  greeter.kra: unloaded"));
   EXPECT_THAT(run.out, HasSubstr("  unloaded: shapes.krx"));
 }
