@@ -121,3 +121,5 @@ Kesu::ErrorStatus KrRxTextStringFormattable::fromText(KrRxObject* object, const 
   string->cpyFromAscii(text);
   return Kesu::eOk;
 }
+
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxTextStringFormattable, KrRxFormattablePE)

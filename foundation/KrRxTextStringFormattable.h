@@ -4,6 +4,8 @@
 #include "krrxformattable.h"
 
 class KrRxTextStringFormattable : public KrRxFormattablePE {
+  KRRX_DECLARE_MEMBERS(KrRxTextStringFormattable);
+
  public:
   // A copy of the text; eInvalidInput unless object is a KrRxTextString.
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;

@@ -29,6 +29,8 @@ inline const wchar_t* KrVtCurrencyArray::className() { return L"KrVtCurrencyArra
 // those texts or one number ("%lf"); eInvalidInput otherwise, for a null
 // text or an object of another class.
 class KR1ST_API KrVtCurrencyFormattable : public KrRxFormattablePE {
+  KRRX_DECLARE_MEMBERS(KrVtCurrencyFormattable);
+
  public:
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;
   Kesu::ErrorStatus fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext* context) override;

@@ -133,18 +133,24 @@ static_assert(sizeof(KrVtDateTime) == sizeof(KrVtFloat64), "a day value adds no 
 // that do not scan, a null text or an object of another class give
 // eInvalidInput.
 class KR1ST_API KrVtDateFormattable : public KrRxFormattablePE {
+  KRRX_DECLARE_MEMBERS(KrVtDateFormattable);
+
  public:
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;
   Kesu::ErrorStatus fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext* context) override;
 };
 
 class KR1ST_API KrVtTimeFormattable : public KrRxFormattablePE {
+  KRRX_DECLARE_MEMBERS(KrVtTimeFormattable);
+
  public:
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;
   Kesu::ErrorStatus fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext* context) override;
 };
 
 class KR1ST_API KrVtDateTimeFormattable : public KrRxFormattablePE {
+  KRRX_DECLARE_MEMBERS(KrVtDateTimeFormattable);
+
  public:
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;
   Kesu::ErrorStatus fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext* context) override;

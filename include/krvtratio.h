@@ -68,6 +68,8 @@ inline const wchar_t* KrVtPercentageArray::className() { return L"KrVtPercentage
 // Ratio: "3" when the fraction is whole, else "3 : 4"; the double with "%lf"
 // when no fraction is found. Reads "n : d", or one number as a double.
 class KR1ST_API KrVtRatioFormattable : public KrRxFormattablePE {
+  KRRX_DECLARE_MEMBERS(KrVtRatioFormattable);
+
  public:
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;
   Kesu::ErrorStatus fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext* context) override;
@@ -78,12 +80,16 @@ class KR1ST_API KrVtRatioFormattable : public KrRxFormattablePE {
 // There are no special texts: unset and infinite values print as the
 // rounding gives them.
 class KR1ST_API KrVtPercentageFormattable : public KrRxFormattablePE {
+  KRRX_DECLARE_MEMBERS(KrVtPercentageFormattable);
+
  public:
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;
   Kesu::ErrorStatus fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext* context) override;
 };
 
 class KR1ST_API KrVtPermilleFormattable : public KrRxFormattablePE {
+  KRRX_DECLARE_MEMBERS(KrVtPermilleFormattable);
+
  public:
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;
   Kesu::ErrorStatus fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext* context) override;

@@ -1,7 +1,7 @@
 #!/bin/sh
-# Builds the project, runs every test under Wine, checks that the tests left
-# nothing behind in the Wine registry, and runs each native fuzz target for
-# 30 seconds.
+# Builds the project, runs each native fuzz target for 30 seconds, runs every
+# test under Wine and checks that the tests left nothing behind in the Wine
+# registry.
 set -e
 cd "$(dirname "$0")/.."
 scripts/build.sh
@@ -12,6 +12,7 @@ prefix="$PWD/build/wineprefix"
 # which Wine rewrites at every start, and two keys that every Windows has
 # but a new Wine prefix lacks (shell registration writes below them).
 registry() {
+  WINEPREFIX="$prefix" wineserver -k 2>/dev/null || true
   WINEPREFIX="$prefix" wineserver -w
   awk '
     FNR == 1 { hive = FILENAME; sub(/.*\//, "", hive) }
@@ -28,6 +29,14 @@ registry() {
 (cd build/bin && KR_WINEPREFIX="$prefix" ../../cmake/wine-run.sh modules_linker_tests.exe \
    --gtest_filter=LinkerTest.TheSigningFactsHoldOnThisPlatform >/dev/null)
 registry >build/registry-before.txt
+# One server for the whole run: Wine programs that start together while no
+# server runs can race to start one, and the loser waits forever. Its
+# service processes are started here with no output of ours, so that no
+# test's output pipe stays open in them; the server goes down at the end.
+trap 'WINEPREFIX="$prefix" wineserver -k 2>/dev/null || true' EXIT
+WINEPREFIX="$prefix" wineserver -p </dev/null >/dev/null 2>&1
+WINEPREFIX="$prefix" WINEDEBUG=-all wine cmd /c exit </dev/null >/dev/null 2>&1
+fuzz/run.sh 30
 cd build
 ctest -j2 --output-on-failure --timeout 900
 cd ..
@@ -37,5 +46,3 @@ if ! diff build/registry-before.txt build/registry-after.txt >build/registry-cha
   cat build/registry-changes.txt
   exit 1
 fi
-
-fuzz/run.sh 30

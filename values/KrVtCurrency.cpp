@@ -1,5 +1,6 @@
 #include "krvtcurrency.h"
 
+#include "runtime/KrRxCoreClass.h"
 #include "values/KrVtText.h"
 #include "values/KrVtValueMembers.h"
 
@@ -18,3 +19,5 @@ Kesu::ErrorStatus KrVtCurrencyFormattable::fromText(KrRxObject* object, const wc
   if (!amount) return Kesu::eInvalidInput;
   return KrVtText::doubleFromText(amount->value(), text);
 }
+
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtCurrencyFormattable, KrRxFormattablePE)

@@ -1,5 +1,6 @@
 #include "krvtdaytime.h"
 
+#include "runtime/KrRxCoreClass.h"
 #include "values/KrVtDaytimeText.h"
 
 namespace {
@@ -46,3 +47,7 @@ Kesu::ErrorStatus KrVtDateTimeFormattable::fromText(KrRxObject* object, const wc
                                                     const KrRxFormatContext*) {
   return readAs<KrVtDateTime>(object, text, KrVtDaytimeText::dateTimeFromText);
 }
+
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtDateFormattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtTimeFormattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtDateTimeFormattable, KrRxFormattablePE)

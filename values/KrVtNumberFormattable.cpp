@@ -7,6 +7,7 @@
 #include <cwchar>
 
 #include "krrfvalue.h"
+#include "runtime/KrRxCoreClass.h"
 #include "values/KrVtText.h"
 
 namespace {
@@ -89,3 +90,14 @@ template class KrVtIntegerFormattable<int>;
 template class KrVtIntegerFormattable<unsigned int>;
 template class KrVtIntegerFormattable<__int64>;
 template class KrVtIntegerFormattable<unsigned __int64>;
+
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtBoolFormattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtFloat64Formattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtInt8Formattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtUInt8Formattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtInt16Formattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtUInt16Formattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtInt32Formattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtUInt32Formattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtInt64Formattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtUInt64Formattable, KrRxFormattablePE)

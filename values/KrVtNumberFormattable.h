@@ -6,6 +6,8 @@
 
 // "Yes" / "No"; reads either without regard to case.
 class KrVtBoolFormattable : public KrRxFormattablePE {
+  KRRX_DECLARE_MEMBERS(KrVtBoolFormattable);
+
  public:
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;
   Kesu::ErrorStatus fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext* context) override;
@@ -14,6 +16,8 @@ class KrVtBoolFormattable : public KrRxFormattablePE {
 // "%.03f" below 1e10 in magnitude, "%.03E" from there; "*", "∞" and "-∞"
 // for unset and infinite values.
 class KrVtFloat64Formattable : public KrRxFormattablePE {
+  KRRX_DECLARE_MEMBERS(KrVtFloat64Formattable);
+
  public:
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override;
   Kesu::ErrorStatus fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext* context) override;
@@ -27,11 +31,19 @@ class KrVtIntegerFormattable : public KrRxFormattablePE_T<T> {
   Kesu::ErrorStatus fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext* context) override;
 };
 
-typedef KrVtIntegerFormattable<signed char> KrVtInt8Formattable;
-typedef KrVtIntegerFormattable<unsigned char> KrVtUInt8Formattable;
-typedef KrVtIntegerFormattable<short> KrVtInt16Formattable;
-typedef KrVtIntegerFormattable<unsigned short> KrVtUInt16Formattable;
-typedef KrVtIntegerFormattable<int> KrVtInt32Formattable;
-typedef KrVtIntegerFormattable<unsigned int> KrVtUInt32Formattable;
-typedef KrVtIntegerFormattable<__int64> KrVtInt64Formattable;
-typedef KrVtIntegerFormattable<unsigned __int64> KrVtUInt64Formattable;
+// The named integer formattables, one registered class each.
+#define KRVT_INTEGER_FORMATTABLE(CLASS, T)          \
+  class CLASS : public KrVtIntegerFormattable<T> { \
+    KRRX_DECLARE_MEMBERS(CLASS);                    \
+  }
+
+KRVT_INTEGER_FORMATTABLE(KrVtInt8Formattable, signed char);
+KRVT_INTEGER_FORMATTABLE(KrVtUInt8Formattable, unsigned char);
+KRVT_INTEGER_FORMATTABLE(KrVtInt16Formattable, short);
+KRVT_INTEGER_FORMATTABLE(KrVtUInt16Formattable, unsigned short);
+KRVT_INTEGER_FORMATTABLE(KrVtInt32Formattable, int);
+KRVT_INTEGER_FORMATTABLE(KrVtUInt32Formattable, unsigned int);
+KRVT_INTEGER_FORMATTABLE(KrVtInt64Formattable, __int64);
+KRVT_INTEGER_FORMATTABLE(KrVtUInt64Formattable, unsigned __int64);
+
+#undef KRVT_INTEGER_FORMATTABLE

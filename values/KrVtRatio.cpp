@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "runtime/KrRxCoreClass.h"
 #include "values/KrVtFraction.h"
 #include "values/KrVtText.h"
 #include "values/KrVtValueMembers.h"
@@ -93,3 +94,7 @@ Kesu::ErrorStatus KrVtPermilleFormattable::fromText(KrRxObject* object, const wc
                                                     const KrRxFormatContext*) {
   return unitsFromText<KrVtPermille>(object, kPermilleFormat, text);
 }
+
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtRatioFormattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtPercentageFormattable, KrRxFormattablePE)
+KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtPermilleFormattable, KrRxFormattablePE)

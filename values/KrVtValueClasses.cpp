@@ -50,37 +50,38 @@ const RxInit kValueClasses[] = {
     [] { KrVtDateTimeArray::rxInit(L"KrVtFloat64Array"); },
 };
 
-// The formattables made at start-up, by the class they are attached to.
+// The formattables made at start-up, by the class they are attached to,
+// with the registration of the formattable's own class.
 struct Formattable {
   KrRxClass* (*cls)();
-  KrRxFormattablePE* (*make)();
+  RxInit rxInit;
+  KrRxClass* (*formattableClass)();
 };
 
-template <typename F>
-KrRxFormattablePE* make() {
-  return new F();
-}
+#define KRVT_FORMATTABLE(VALUE, FORMATTABLE) {&VALUE::desc, &FORMATTABLE::rxInit, &FORMATTABLE::desc}
 
 const Formattable kFormattables[] = {
-    {&KrVtBool::desc, make<KrVtBoolFormattable>},
-    {&KrVtUInt8::desc, make<KrVtUInt8Formattable>},
-    {&KrVtInt8::desc, make<KrVtInt8Formattable>},
-    {&KrVtUInt16::desc, make<KrVtUInt16Formattable>},
-    {&KrVtInt16::desc, make<KrVtInt16Formattable>},
-    {&KrVtUInt32::desc, make<KrVtUInt32Formattable>},
-    {&KrVtInt32::desc, make<KrVtInt32Formattable>},
-    {&KrVtUInt64::desc, make<KrVtUInt64Formattable>},
-    {&KrVtInt64::desc, make<KrVtInt64Formattable>},
-    {&KrVtFloat64::desc, make<KrVtFloat64Formattable>},
-    {&KrRxTextString::desc, make<KrRxTextStringFormattable>},
-    {&KrVtPermille::desc, make<KrVtPermilleFormattable>},
-    {&KrVtPercentage::desc, make<KrVtPercentageFormattable>},
-    {&KrVtRatio::desc, make<KrVtRatioFormattable>},
-    {&KrVtCurrency::desc, make<KrVtCurrencyFormattable>},
-    {&KrVtDateTime::desc, make<KrVtDateTimeFormattable>},
-    {&KrVtDate::desc, make<KrVtDateFormattable>},
-    {&KrVtTime::desc, make<KrVtTimeFormattable>},
+    KRVT_FORMATTABLE(KrVtBool, KrVtBoolFormattable),
+    KRVT_FORMATTABLE(KrVtUInt8, KrVtUInt8Formattable),
+    KRVT_FORMATTABLE(KrVtInt8, KrVtInt8Formattable),
+    KRVT_FORMATTABLE(KrVtUInt16, KrVtUInt16Formattable),
+    KRVT_FORMATTABLE(KrVtInt16, KrVtInt16Formattable),
+    KRVT_FORMATTABLE(KrVtUInt32, KrVtUInt32Formattable),
+    KRVT_FORMATTABLE(KrVtInt32, KrVtInt32Formattable),
+    KRVT_FORMATTABLE(KrVtUInt64, KrVtUInt64Formattable),
+    KRVT_FORMATTABLE(KrVtInt64, KrVtInt64Formattable),
+    KRVT_FORMATTABLE(KrVtFloat64, KrVtFloat64Formattable),
+    KRVT_FORMATTABLE(KrRxTextString, KrRxTextStringFormattable),
+    KRVT_FORMATTABLE(KrVtPermille, KrVtPermilleFormattable),
+    KRVT_FORMATTABLE(KrVtPercentage, KrVtPercentageFormattable),
+    KRVT_FORMATTABLE(KrVtRatio, KrVtRatioFormattable),
+    KRVT_FORMATTABLE(KrVtCurrency, KrVtCurrencyFormattable),
+    KRVT_FORMATTABLE(KrVtDateTime, KrVtDateTimeFormattable),
+    KRVT_FORMATTABLE(KrVtDate, KrVtDateFormattable),
+    KRVT_FORMATTABLE(KrVtTime, KrVtTimeFormattable),
 };
+
+#undef KRVT_FORMATTABLE
 
 // The classes whose formattables shutdown removes, in its order.
 const wchar_t* const kFormattableClassesAtShutdown[] = {
@@ -108,9 +109,11 @@ void deleteExtension(const wchar_t* className, const KrRxClass* protocolClass) {
 
 void krvtInitValueClasses() {
   for (RxInit rxInit : kValueClasses) rxInit();
+  for (const Formattable& entry : kFormattables) entry.rxInit();
   KrRxImpClass::connectNewClasses(sysClasses);
   KrRfNumber::desc()->addX(KrRfRangeCheckPE::desc(), new KrRfNumberRangeCheckPE());
-  for (const Formattable& entry : kFormattables) entry.cls()->addX(KrRxFormattablePE::desc(), entry.make());
+  for (const Formattable& entry : kFormattables)
+    entry.cls()->addX(KrRxFormattablePE::desc(), entry.formattableClass()->create());
 }
 
 void krvtKillValueClasses() {
@@ -119,5 +122,6 @@ void krvtKillValueClasses() {
   deleteExtension(L"KrRfProxy", KrRfProxyInterfacePE::desc());
   for (const wchar_t* name : kValueClassesAtShutdown)
     if (KrRxClass* cls = krrxFindKrRxClass(name)) KrRxImpClass::deleteClass(cls);
+  for (const Formattable& entry : kFormattables) KrRxImpClass::deleteClass(entry.formattableClass());
   KrRxImpClass::clearDeletedClassesArray();
 }

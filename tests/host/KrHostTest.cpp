@@ -214,7 +214,10 @@ class HostAppsTest : public ::testing::Test {
     RegCloseKey(triggers);
     RegCloseKey(app);
   }
-  void TearDown() override { RegDeleteTreeW(HKEY_CURRENT_USER, kProductKey); }
+  void TearDown() override {
+    RegDeleteTreeW(HKEY_CURRENT_USER, kProductKey);
+    RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Kestrune");  // only once no other product key is left in it
+  }
 
   static void setText(HKEY key, const wchar_t* name, const wchar_t* text) {
     RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), DWORD((wcslen(text) + 1) * 2));
