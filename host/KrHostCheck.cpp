@@ -13,6 +13,7 @@
 #include "host/KrHostPlatform.h"
 #include "host/KrHostVersionProbe.h"
 #include "kr1st.h"
+#include "modules/KrRxFileBytes.h"
 #include "modules/KrRxPeImage.h"
 #include "modules/KrRxTrustCheck.h"
 
@@ -28,21 +29,6 @@ std::wstring versionText(unsigned int version) {
 }
 
 bool sameName(const std::string& a, const char* b) { return _stricmp(a.c_str(), b) == 0; }
-
-bool readFile(const std::wstring& path, std::string& bytes, DWORD& error) {
-  HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return (error = GetLastError(), false);
-  LARGE_INTEGER size;
-  bool ok = GetFileSizeEx(file, &size) && size.QuadPart < (1LL << 31);
-  if (ok) {
-    bytes.resize(size_t(size.QuadPart));
-    DWORD read = 0;
-    ok = ReadFile(file, &bytes[0], DWORD(bytes.size()), &read, nullptr) && read == bytes.size();
-  }
-  error = ok ? 0 : GetLastError();
-  CloseHandle(file);
-  return ok;
-}
 
 // A C++ symbol in source form, any other name as it is.
 std::wstring readableSymbol(const std::string& name) {
@@ -135,7 +121,7 @@ class ModuleCheck {
 
   bool checkFile() {
     DWORD error = 0;
-    if (!readFile(mPath, mBytes, error)) {
+    if (!krrxReadFileBytes(mPath.c_str(), mBytes, error)) {
       fail(L"file", L"cannot read it: " + krhostSystemText(error), L"check the file's access rights");
       return false;
     }

@@ -21,6 +21,7 @@
 #include "krrxiterator.h"
 #include "krrxservice.h"
 #include "krrxsystem.h"
+#include "modules/KrRxFileBytes.h"
 #include "modules/KrRxGuardedCall.h"
 #include "modules/KrRxListFileReader.h"
 #include "modules/KrRxTrustCheck.h"
@@ -190,16 +191,6 @@ HMODULE loadInItsDirectory(const std::wstring& path, DWORD& error) {
   SetDllDirectoryW(savedDll.c_str());
   SetCurrentDirectoryW(savedCurrent.c_str());
   return module;
-}
-
-// What can be read from an open file, up to its end or the first error.
-std::string readWholeFile(HANDLE file) {
-  static_assert(sizeof(wchar_t) == sizeof(char16_t), "module names are UTF-16");
-  std::string bytes;
-  char chunk[4096];
-  DWORD read;
-  while (ReadFile(file, chunk, sizeof chunk, &read, nullptr) && read) bytes.append(chunk, read);
-  return bytes;
 }
 
 HMODULE loadTrustLibrary() {
@@ -579,10 +570,13 @@ unsigned int KrRxImpDynamicLinker::ProductLcid() const {
 // ---- List files ----
 
 bool KrRxImpDynamicLinker::initListedModules(const wchar_t* listFile) {
+  static_assert(sizeof(wchar_t) == sizeof(char16_t), "list lines are UTF-16 module names");
   HANDLE file = CreateFileW(listFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                             FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   if (file == INVALID_HANDLE_VALUE) return false;
-  std::string bytes = readWholeFile(file);
+  // A read error ends the list where it happened: the lines read so far still load.
+  std::string bytes;
+  krrxReadFileBytes(file, bytes);
   CloseHandle(file);
   KrRxListFileReader reader(bytes.data(), bytes.size());
   bool allLoaded = true;

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "modules/KrRxFileBytes.h"
+
 KrRxImpDynamicLinker* krTestLinker() {
   return KrRxImpDynamicLinker::cast(krrxSysRegistry()->at(L"DynamicLinker"));
 }
@@ -31,11 +33,9 @@ void krWriteFile(const std::wstring& path, const std::string& bytes) {
 }
 
 std::string krReadFile(const std::wstring& path) {
-  HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-  std::string bytes(GetFileSize(file, nullptr), '\0');
-  DWORD read = 0;
-  ReadFile(file, &bytes[0], DWORD(bytes.size()), &read, nullptr);
-  CloseHandle(file);
+  std::string bytes;
+  DWORD error;
+  krrxReadFileBytes(path.c_str(), bytes, error);
   return bytes;
 }
 

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "modules/KrRxFileBytes.h"
+
 namespace {
 
 constexpr DWORD kTimeout = 120000;
@@ -21,9 +23,7 @@ std::string takeCapture(HANDLE file) {
   std::string text;
   if (file == INVALID_HANDLE_VALUE) return text;
   SetFilePointer(file, 0, nullptr, FILE_BEGIN);
-  char buffer[4096];
-  DWORD read = 0;
-  while (ReadFile(file, buffer, sizeof buffer, &read, nullptr) && read) text.append(buffer, read);
+  krrxReadFileBytes(file, text);
   CloseHandle(file);
   return text;
 }
