@@ -24,21 +24,12 @@ struct Verdict {
 };
 
 Verdict check(const std::wstring& module) {
-  KrHostRun text = krRunHost(L"check " + module);
-  KrHostRun json = krRunHost(L"check --json " + module);
-  EXPECT_EQ(text.exitCode, json.exitCode);
-  KrJson doc = json.json();
-  EXPECT_EQ(doc.kind(), KrJson::kObject) << json.out;
-  return {text.exitCode, text.out, doc["modules"][0]};
+  KrHostForms forms = krRunHostForms(L"check", module);
+  return {forms.exitCode, forms.text, forms.doc["modules"][0]};
 }
 
 // The check's row in the module's JSON entry.
-const KrJson& row(const Verdict& verdict, const char* check) {
-  for (const KrJson& row : verdict.module["checks"].items())
-    if (row["check"].text() == check) return row;
-  static const KrJson missing;
-  return missing;
-}
+const KrJson& row(const Verdict& verdict, const char* check) { return verdict.module["checks"].rowWith("check", check); }
 
 // The module fails exactly the one check, with detail starting with words.
 void expectOnlyFailure(const Verdict& verdict, const char* check, const std::string& words) {
@@ -100,19 +91,6 @@ TEST(HostCheckTest, NamesThatResolveToNothing) {
   Verdict noExtension = check(L"good");
   EXPECT_THAT(row(noExtension, "name")["fix"].text(), HasSubstr("good.krx"));
 }
-
-TEST(HostCheckTest, SeveralModulesFailWhenOneFails) {
-  KrHostRun run = krRunHost(L"check --json good.krx noentry.krx");
-  EXPECT_EQ(run.exitCode, 1);
-  KrJson doc = run.json();
-  EXPECT_TRUE(doc["modules"][0]["loads"].truth());
-  EXPECT_FALSE(doc["modules"][1]["loads"].truth());
-  EXPECT_FALSE(doc["ok"].truth());
-}
-
-}  // namespace
-
-namespace {
 
 std::vector<std::string> runtimeImportsOf(const std::string& bytes, bool& readable) {
   std::vector<std::string> names;

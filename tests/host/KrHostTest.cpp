@@ -20,14 +20,6 @@ namespace {
 
 std::wstring samplesFolder() { return krTestBinDirectory() + L"samples"; }
 
-// The row of table whose member key has the text value.
-const KrJson& rowWith(const KrJson& table, const char* key, const std::string& value) {
-  for (const KrJson& row : table.items())
-    if (row[key].text() == value) return row;
-  static const KrJson missing;
-  return missing;
-}
-
 TEST(HostCommandTest, HelpListsEveryCommandAndUsageErrorsFail) {
   KrHostRun help = krRunHost(L"--help");
   EXPECT_EQ(help.exitCode, 0);
@@ -49,69 +41,48 @@ TEST(HostCommandTest, HelpListsEveryCommandAndUsageErrorsFail) {
 }
 
 TEST(HostCommandTest, TreeShowsModuleClassesWithTheirProtocolExtensions) {
-  KrHostRun text = krRunHost(L"tree --with shapes.krx", samplesFolder());
-  EXPECT_EQ(text.exitCode, 0);
-  EXPECT_THAT(text.out, HasSubstr("\n    KrSampleShape "));
-  EXPECT_THAT(text.out, HasSubstr("\n      KrSampleCircle "));
-
-  KrHostRun json = krRunHost(L"tree --json --with shapes.krx", samplesFolder());
-  ASSERT_EQ(json.exitCode, 0);
-  KrJson doc = json.json();
-  ASSERT_EQ(doc.kind(), KrJson::kObject) << json.out;
-  EXPECT_TRUE(doc["with"][0]["loaded"].truth());
-  const KrJson& circle = rowWith(doc["classes"], "name", "KrSampleCircle");
+  KrHostForms tree = krRunHostForms(L"tree", L"--with shapes.krx", samplesFolder());
+  ASSERT_EQ(tree.exitCode, 0);
+  EXPECT_THAT(tree.text, HasSubstr("\n    KrSampleShape "));
+  EXPECT_THAT(tree.text, HasSubstr("\n      KrSampleCircle "));
+  EXPECT_TRUE(tree.doc["with"][0]["loaded"].truth());
+  const KrJson& circle = tree.doc["classes"].rowWith("name", "KrSampleCircle");
   EXPECT_EQ(circle["parent"].text(), "KrSampleShape");
   EXPECT_EQ(circle["depth"].number(), 2);
   EXPECT_THAT(circle["extensions"].texts(), Contains("KrSampleDescriber: KrSampleShapeDescriber"));
-  EXPECT_EQ(rowWith(doc["classes"], "name", "KrRxObject")["parent"].kind(), KrJson::kNull);
+  EXPECT_EQ(tree.doc["classes"].rowWith("name", "KrRxObject")["parent"].kind(), KrJson::kNull);
 }
 
 TEST(HostCommandTest, ServicesNameTheirOwnerModule) {
   KrHostRun run = krRunHost(L"services --json --with greeter.kra --with shapes.krx", samplesFolder());
   ASSERT_EQ(run.exitCode, 0);
   KrJson doc = run.json();
-  EXPECT_EQ(rowWith(doc["services"], "name", "SampleGreeterService")["owner"].text(), "greeter.kra");
-  EXPECT_EQ(rowWith(doc["services"], "name", "SampleShapeService")["owner"].text(), "shapes.krx");
-  EXPECT_EQ(rowWith(doc["services"], "name", "KernelServices")["owner"].text(), "runtime");
-  EXPECT_FALSE(rowWith(doc["services"], "name", "KernelServices")["hasDependants"].truth());
+  EXPECT_EQ(doc["services"].rowWith("name", "SampleGreeterService")["owner"].text(), "greeter.kra");
+  EXPECT_EQ(doc["services"].rowWith("name", "SampleShapeService")["owner"].text(), "shapes.krx");
+  EXPECT_EQ(doc["services"].rowWith("name", "KernelServices")["owner"].text(), "runtime");
+  EXPECT_FALSE(doc["services"].rowWith("name", "KernelServices")["hasDependants"].truth());
 
   KrHostRun without = krRunHost(L"services --json", samplesFolder());
-  EXPECT_EQ(rowWith(without.json()["services"], "name", "SampleShapeService").kind(), KrJson::kInvalid);
+  EXPECT_EQ(without.json()["services"].rowWith("name", "SampleShapeService").kind(), KrJson::kInvalid);
 }
 
 TEST(HostCommandTest, RegistryListsTheSystemEntries) {
   KrHostRun run = krRunHost(L"registry --json");
   ASSERT_EQ(run.exitCode, 0);
   KrJson doc = run.json();
-  EXPECT_EQ(rowWith(doc["registry"], "key", "DynamicLinker")["class"].text(), "KrRxImpDynamicLinker");
-  EXPECT_EQ(rowWith(doc["registry"], "key", "ClassDictionary")["class"].text(), "KrRxImpDictionary");
+  EXPECT_EQ(doc["registry"].rowWith("key", "DynamicLinker")["class"].text(), "KrRxImpDynamicLinker");
+  EXPECT_EQ(doc["registry"].rowWith("key", "ClassDictionary")["class"].text(), "KrRxImpDictionary");
 }
 
-TEST(HostCommandTest, DescribeTellsOwnAndInheritedExtensions) {
-  KrHostRun circle = krRunHost(L"describe KrSampleCircle --json --with shapes.krx", samplesFolder());
-  ASSERT_EQ(circle.exitCode, 0) << circle.out;
-  KrJson doc = circle.json();
-  EXPECT_EQ(doc["parent"].text(), "KrSampleShape");
-  EXPECT_THAT(doc["ancestors"].texts(), ElementsAre("KrSampleShape", "KrRxObject"));
-  EXPECT_EQ(rowWith(doc["extensions"], "protocol", "KrSampleDescriber")["from"].text(),
+TEST(HostCommandTest, DescribeTellsExtensionsAndPropertiesOwnAndInherited) {
+  KrHostForms circle = krRunHostForms(L"describe", L"KrSampleCircle --with shapes.krx", samplesFolder());
+  ASSERT_EQ(circle.exitCode, 0) << circle.text;
+  EXPECT_EQ(circle.doc["parent"].text(), "KrSampleShape");
+  EXPECT_THAT(circle.doc["ancestors"].texts(), ElementsAre("KrSampleShape", "KrRxObject"));
+  EXPECT_EQ(circle.doc["extensions"].rowWith("protocol", "KrSampleDescriber")["from"].text(),
             "inherited from KrSampleShape");
-
-  KrHostRun shape = krRunHost(L"describe KrSampleShape --with shapes.krx", samplesFolder());
-  EXPECT_EQ(shape.exitCode, 0);
-  EXPECT_THAT(shape.out, HasSubstr("KrSampleDescriber      KrSampleShapeDescriber  own"));
-  EXPECT_THAT(shape.out, HasSubstr("\nChildren:    KrSampleCircle, KrSampleSquare\n"));
-
-  KrHostRun wrongCase = krRunHost(L"describe krsamplecircle --json --with shapes.krx", samplesFolder());
-  EXPECT_EQ(wrongCase.exitCode, 1);
-  EXPECT_THAT(wrongCase.json()["similar"].texts(), ElementsAre("KrSampleCircle"));
-}
-
-TEST(HostCommandTest, DescribeListsTheShapePropertiesOnEveryShape) {
-  KrHostRun circle = krRunHost(L"describe KrSampleCircle --json --with shapes.krx", samplesFolder());
-  ASSERT_EQ(circle.exitCode, 0) << circle.out;
-  KrJson doc = circle.json();
-  const KrJson& symbols = doc["symbols"];
-  ASSERT_EQ(symbols.items().size(), 2u) << circle.out;
+  const KrJson& symbols = circle.doc["symbols"];
+  ASSERT_EQ(symbols.items().size(), 2u) << circle.text;
   const char* names[] = {"width", "height"};
   for (int i = 0; i < 2; ++i) {
     EXPECT_EQ(symbols[i]["name"].text(), names[i]);
@@ -121,8 +92,15 @@ TEST(HostCommandTest, DescribeListsTheShapePropertiesOnEveryShape) {
   }
 
   KrHostRun shape = krRunHost(L"describe KrSampleShape --with shapes.krx", samplesFolder());
+  EXPECT_EQ(shape.exitCode, 0);
+  EXPECT_THAT(shape.out, HasSubstr("KrSampleDescriber      KrSampleShapeDescriber  own"));
+  EXPECT_THAT(shape.out, HasSubstr("\nChildren:    KrSampleCircle, KrSampleSquare\n"));
   EXPECT_THAT(shape.out, HasSubstr("Symbols and properties (2)"));
   EXPECT_THAT(shape.out, HasSubstr("KrSampleShape  height  Height        property  KrVtFloat64"));
+
+  KrHostRun wrongCase = krRunHost(L"describe krsamplecircle --json --with shapes.krx", samplesFolder());
+  EXPECT_EQ(wrongCase.exitCode, 1);
+  EXPECT_THAT(wrongCase.json()["similar"].texts(), ElementsAre("KrSampleCircle"));
 }
 
 TEST(HostCommandTest, FormatWritesBackWhatItRead) {
@@ -164,35 +142,40 @@ TEST(HostCommandTest, FormatFailsWithTheReason) {
 }
 
 TEST(HostCommandTest, LoadTellsWhatEachModuleAddedAndUnloadsInReverse) {
-  KrHostRun run = krRunHost(L"load --json shapes.krx greeter.kra", samplesFolder());
-  ASSERT_EQ(run.exitCode, 0) << run.out;
-  KrJson doc = run.json();
-  const KrJson& shapes = doc["modules"][0];
+  KrHostForms load = krRunHostForms(L"load", L"shapes.krx greeter.kra", samplesFolder());
+  ASSERT_EQ(load.exitCode, 0) << load.text;
+  const KrJson& shapes = load.doc["modules"][0];
   EXPECT_TRUE(shapes["loaded"].truth());
   EXPECT_THAT(shapes["classes"].texts(),
               ElementsAre("KrSampleCircle", "KrSampleDescriber", "KrSampleLargeShapeDescriber",
                           "KrSampleLargeShapeOverrule", "KrSampleShape", "KrSampleShapeDescriber",
                           "KrSampleShapeReactor", "KrSampleSquare"));
   EXPECT_THAT(shapes["services"].texts(), ElementsAre("SampleShapeService"));
-  const KrJson& greeter = doc["modules"][1];
+  const KrJson& greeter = load.doc["modules"][1];
   EXPECT_THAT(greeter["appData"].texts(), ElementsAre("Motto (KrRxTextString)"));
   EXPECT_THAT(greeter["unloadMessages"].texts(), ElementsAre("'greeter.kra' succefuly unloaded."));
-  EXPECT_TRUE(doc["ok"].truth());
-
-  KrHostRun text = krRunHost(L"load shapes.krx", samplesFolder());
-  EXPECT_THAT(text.out, HasSubstr("Services added:   SampleShapeService\n"));
+  EXPECT_TRUE(load.doc["ok"].truth());
+  EXPECT_THAT(load.text, HasSubstr("Services added:   SampleShapeService\n"));
 }
 
-TEST(HostCommandTest, LoadFailsWithTheLinkersMessages) {
-  KrHostRun run = krRunHost(L"load --json good.krx faultver.krx");
-  EXPECT_EQ(run.exitCode, 1);
-  KrJson doc = run.json();
-  EXPECT_TRUE(doc["modules"][0]["loaded"].truth());
-  EXPECT_FALSE(doc["modules"][1]["loaded"].truth());
-  EXPECT_THAT(doc["modules"][1]["messages"].texts(),
-              Contains(HasSubstr("krrxGetApiVersion faulted in faultver.krx")));
-  EXPECT_THAT(doc["modules"][1]["messages"].texts(), Contains("Failed to load 'faultver.krx'"));
-  EXPECT_FALSE(doc["ok"].truth());
+// Several modules: the command fails when one of them fails.
+TEST(HostCommandTest, LoadAndCheckFailWhenOneModuleFails) {
+  const struct {
+    const wchar_t* arguments;
+    const char* verdict;  // the member that tells whether a module loads
+  } kRuns[] = {{L"load --json good.krx faultver.krx", "loaded"}, {L"check --json good.krx noentry.krx", "loads"}};
+  KrJson docs[2];
+  for (int i = 0; i < 2; ++i) {
+    KrHostRun host = krRunHost(kRuns[i].arguments);
+    EXPECT_EQ(host.exitCode, 1) << kRuns[i].arguments;
+    docs[i] = host.json();
+    EXPECT_TRUE(docs[i]["modules"][0][kRuns[i].verdict].truth()) << kRuns[i].arguments;
+    EXPECT_FALSE(docs[i]["modules"][1][kRuns[i].verdict].truth()) << kRuns[i].arguments;
+    EXPECT_FALSE(docs[i]["ok"].truth()) << kRuns[i].arguments;
+  }
+  const KrJson& faultver = docs[0]["modules"][1];
+  EXPECT_THAT(faultver["messages"].texts(), Contains(HasSubstr("krrxGetApiVersion faulted in faultver.krx")));
+  EXPECT_THAT(faultver["messages"].texts(), Contains("Failed to load 'faultver.krx'"));
 }
 
 // An application registered below a product key of the test's own.
@@ -229,7 +212,7 @@ TEST_F(HostAppsTest, AppsShowLoaderReasonsTriggersAndProductCode) {
   ASSERT_EQ(run.exitCode, 0);
   KrJson doc = run.json();
   EXPECT_EQ(doc["productKey"].text(), "Software\\Kestrune\\KrhostTest");
-  const KrJson& app = rowWith(doc["apps"], "name", "KrhostTestApp");
+  const KrJson& app = doc["apps"].rowWith("name", "KrhostTestApp");
   EXPECT_EQ(app["loader"].text(), "good.krx");
   EXPECT_EQ(app["loadCtrls"].text(), "0xC");
   EXPECT_THAT(app["loadReasons"].texts(), ElementsAre("by name or trigger (0x8)", "host reason 0x4"));
@@ -240,7 +223,7 @@ TEST_F(HostAppsTest, AppsShowLoaderReasonsTriggersAndProductCode) {
 
   KrHostRun text = krRunHost(std::wstring(L"apps --product-key ") + kProductKey);
   EXPECT_THAT(text.out, HasSubstr("KrhostTestApp"));
-  EXPECT_EQ(rowWith(krRunHost(L"apps --json").json()["apps"], "name", "KrhostTestApp").kind(), KrJson::kInvalid)
+  EXPECT_EQ(krRunHost(L"apps --json").json()["apps"].rowWith("name", "KrhostTestApp").kind(), KrJson::kInvalid)
       << "without the product key the application is not found";
 }
 

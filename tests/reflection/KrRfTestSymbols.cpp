@@ -1,7 +1,5 @@
 #include "KrRfTestSymbols.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 
 KRRX_CONS_DEFINE_MEMBERS(Animal, KrRxObject)
@@ -36,26 +34,4 @@ GUID* TestProperty::getGuid(GUID* buffer) const { return writeGuid(buffer, 0x505
 
 Kesu::ErrorStatus TestProperty::getValue(const KrRxObject* object, KrRxObject* value) const {
   return mReader ? mReader(object, value) : KrRfProperty::getValue(object, value);
-}
-
-namespace {
-
-class Registered : public ::testing::Environment {
- public:
-  void SetUp() override {
-    Animal::rxInit();
-    Mammal::rxInit();
-    Dog::rxInit();
-    Plant::rxInit();
-    krrxBuildClassHierarchy();
-  }
-};
-const auto* const kEnvironment = ::testing::AddGlobalTestEnvironment(new Registered);
-
-}  // namespace
-
-KrRfReflectionService* reflection() {
-  KrRfReflectionService* service = krrfReflectionService();
-  EXPECT_NE(service, nullptr);
-  return service;
 }

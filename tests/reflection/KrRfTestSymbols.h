@@ -1,6 +1,7 @@
 #pragma once
-// Symbols and classes for the reflection tests: a symbol and a property
-// described by plain data, and a small class tree to hang them on.
+// Symbols and classes for the reflection tests and the fuzz driver: a symbol
+// and a property described by plain data, and a small class tree to hang
+// them on. Plain code, no test framework.
 
 #include <functional>
 
@@ -49,7 +50,7 @@ class TestProperty : public KrRfProperty {
 };
 
 // A three-level tree: Animal <- Mammal <- Dog, and Plant beside it,
-// registered by a test environment.
+// registered by the reflection tests' environment.
 class Animal : public KrRxObject {
   KRRX_DECLARE_MEMBERS(Animal);
 };
@@ -62,6 +63,3 @@ class Dog : public Mammal {
 class Plant : public KrRxObject {
   KRRX_DECLARE_MEMBERS(Plant);
 };
-
-// The reflection service; fails the test when absent.
-KrRfReflectionService* reflection();
