@@ -103,42 +103,36 @@ TEST(HostCommandTest, DescribeTellsExtensionsAndPropertiesOwnAndInherited) {
   EXPECT_THAT(wrongCase.json()["similar"].texts(), ElementsAre("KrSampleCircle"));
 }
 
-TEST(HostCommandTest, FormatWritesBackWhatItRead) {
-  struct Case {
+// Format writes back what it read, or fails with the reason and writes nothing.
+TEST(HostCommandTest, FormatWritesBackWhatItReadOrTellsWhyNot) {
+  const struct {
     const wchar_t* arguments;
-    const char* text;
+    const char* text;     // the text written back
+    const char* problem;  // or the reason it was not
+  } kRuns[] = {
+      {L"KrVtDate 2023/05/17", "2023-05-17", nullptr},
+      {L"KrVtRatio \"6 : 8\"", "3 : 4", nullptr},
+      {L"KrVtPercentage 45", "45%", nullptr},
+      {L"KrVtDate tomorrow", nullptr, "\"tomorrow\" does not read as a KrVtDate"},
+      {L"KrVtDat 2023", nullptr, "no class named KrVtDat"},
+      {L"KrRfValue 1", nullptr, "KrRfValue cannot be created"},
+      {L"--with shapes.krx KrSampleCircle 1", nullptr, "KrSampleCircle has no text form"},
   };
-  for (const Case& c : {Case{L"format --json KrVtDate 2023/05/17", "2023-05-17"},
-                        Case{L"format --json KrVtRatio \"6 : 8\"", "3 : 4"},
-                        Case{L"format --json KrVtPercentage 45", "45%"}}) {
-    KrHostRun run = krRunHost(c.arguments);
-    EXPECT_EQ(run.exitCode, 0) << run.out;
-    KrJson doc = run.json();
-    EXPECT_TRUE(doc["ok"].truth()) << run.out;
-    EXPECT_EQ(doc["text"].text(), c.text) << run.out;
+  for (const auto& run : kRuns) {
+    KrHostRun host = krRunHost(std::wstring(L"format --json ") + run.arguments, samplesFolder());
+    EXPECT_EQ(host.exitCode, run.text ? 0 : 1) << host.out;
+    KrJson doc = host.json();
+    EXPECT_EQ(doc["ok"].truth(), run.text != nullptr) << host.out;
+    if (run.text) {
+      EXPECT_EQ(doc["text"].text(), run.text) << host.out;
+    } else {
+      EXPECT_THAT(doc["problem"].text(), HasSubstr(run.problem)) << host.out;
+      EXPECT_EQ(doc["text"].kind(), KrJson::kInvalid) << "nothing written";
+    }
   }
-  KrHostRun text = krRunHost(L"format KrVtDate 2023/05/17");
-  EXPECT_THAT(text.out, HasSubstr("\nText:  2023-05-17\n"));
-  EXPECT_THAT(krRunHost(L"format --help").out, HasSubstr("Usage: krhost format [--with <module>] [--json] <class> <text>"));
-}
-
-TEST(HostCommandTest, FormatFailsWithTheReason) {
-  struct Case {
-    const wchar_t* arguments;
-    const char* problem;
-  };
-  for (const Case& c : {Case{L"format --json KrVtDate tomorrow", "\"tomorrow\" does not read as a KrVtDate"},
-                        Case{L"format --json KrVtDat 2023", "no class named KrVtDat"},
-                        Case{L"format --json KrRfValue 1", "KrRfValue cannot be created"},
-                        Case{L"format --json --with shapes.krx KrSampleCircle 1", "KrSampleCircle has no text form"}}) {
-    KrHostRun run = krRunHost(c.arguments, samplesFolder());
-    EXPECT_EQ(run.exitCode, 1) << run.out;
-    KrJson doc = run.json();
-    EXPECT_FALSE(doc["ok"].truth()) << run.out;
-    EXPECT_THAT(doc["problem"].text(), HasSubstr(c.problem));
-    EXPECT_EQ(doc["text"].kind(), KrJson::kInvalid) << "nothing written";
-  }
+  EXPECT_THAT(krRunHost(L"format KrVtDate 2023/05/17").out, HasSubstr("\nText:  2023-05-17\n"));
   EXPECT_EQ(krRunHost(L"format KrVtDate").exitCode, 1) << "the text is missing";
+  EXPECT_THAT(krRunHost(L"format --help").out, HasSubstr("Usage: krhost format [--with <module>] [--json] <class> <text>"));
 }
 
 TEST(HostCommandTest, LoadTellsWhatEachModuleAddedAndUnloadsInReverse) {
