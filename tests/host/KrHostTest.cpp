@@ -9,6 +9,7 @@
 #include <string>
 
 #include "KrHostRun.h"
+#include "KrRegistryTestSupport.h"
 #include "KrTestFiles.h"
 
 using ::testing::Contains;
@@ -178,26 +179,16 @@ class HostAppsTest : public ::testing::Test {
   static constexpr const wchar_t* kProductKey = L"Software\\Kestrune\\KrhostTest";
 
   void SetUp() override {
-    HKEY app, triggers;
-    std::wstring path = std::wstring(kProductKey) + L"\\Applications\\KrhostTestApp";
-    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &app, nullptr), 0);
-    setText(app, L"LOADER", L"good.krx");
-    setText(app, L"DESCRIPTION", L"An application of the krhost test");
-    setText(app, L"PRODCODE", L"KR-42");
-    DWORD flags = 0x0C;
-    RegSetValueExW(app, L"LOADCTRLS", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&flags), sizeof(flags));
-    ASSERT_EQ(RegCreateKeyExW(app, L"Triggers", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &triggers, nullptr), 0);
-    setText(triggers, L"KrhostTrigger", L"");
-    RegCloseKey(triggers);
-    RegCloseKey(app);
+    const std::wstring app = std::wstring(kProductKey) + L"\\Applications\\KrhostTestApp";
+    ASSERT_TRUE(krWriteValue(HKEY_CURRENT_USER, app, L"LOADER", krTextValue(L"good.krx")));
+    ASSERT_TRUE(krWriteValue(HKEY_CURRENT_USER, app, L"DESCRIPTION", krTextValue(L"An application of the krhost test")));
+    ASSERT_TRUE(krWriteValue(HKEY_CURRENT_USER, app, L"PRODCODE", krTextValue(L"KR-42")));
+    ASSERT_TRUE(krWriteValue(HKEY_CURRENT_USER, app, L"LOADCTRLS", {REG_DWORD, {0x0C, 0, 0, 0}}));
+    ASSERT_TRUE(krWriteValue(HKEY_CURRENT_USER, app + L"\\Triggers", L"KrhostTrigger", krTextValue(L"")));
   }
   void TearDown() override {
     RegDeleteTreeW(HKEY_CURRENT_USER, kProductKey);
     RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Kestrune");  // only once no other product key is left in it
-  }
-
-  static void setText(HKEY key, const wchar_t* name, const wchar_t* text) {
-    RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), DWORD((wcslen(text) + 1) * 2));
   }
 };
 
