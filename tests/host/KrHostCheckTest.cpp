@@ -10,7 +10,6 @@
 #include "KrHostRun.h"
 #include "KrRxModuleTestSupport.h"
 #include "KrTestFiles.h"
-#include "modules/KrRxPeImage.h"
 
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -90,29 +89,6 @@ TEST(HostCheckTest, NamesThatResolveToNothing) {
 
   Verdict noExtension = check(L"good");
   EXPECT_THAT(row(noExtension, "name")["fix"].text(), HasSubstr("good.krx"));
-}
-
-std::vector<std::string> runtimeImportsOf(const std::string& bytes, bool& readable) {
-  std::vector<std::string> names;
-  readable = KrRxPeImage(bytes.data(), bytes.size()).importedFunctionNames("KR1ST20.DLL", names);
-  return names;
-}
-
-// What check's runtime verdict rests on: the names a module imports from the runtime, read from its file.
-TEST(HostCheckTest, RuntimeImportsAreReadFromTheFile) {
-  bool readable = false;
-  std::string newer = krReadFile(krTestBinDirectory() + L"newerruntime.krx");
-  EXPECT_THAT(runtimeImportsOf(newer, readable), ::testing::ElementsAre("krrxFunctionOfANewerRuntime"));
-  EXPECT_TRUE(readable);
-
-  std::string good = krReadFile(krTestBinDirectory() + L"good.krx");
-  EXPECT_THAT(runtimeImportsOf(good, readable), ::testing::Contains("_Z21krrxUnlockApplicationPv"));
-  std::vector<std::string> none;
-  EXPECT_TRUE(KrRxPeImage(good.data(), good.size()).importedFunctionNames("nosuch.dll", none));
-  EXPECT_TRUE(none.empty());
-
-  EXPECT_THAT(runtimeImportsOf(good.substr(0, 1024), readable), ::testing::IsEmpty());
-  EXPECT_FALSE(readable) << "the import data lies beyond the bytes given";
 }
 
 }  // namespace

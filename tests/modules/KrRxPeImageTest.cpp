@@ -179,6 +179,27 @@ TEST(KrRxPeImageTest, RealModulesNameTheirImportsExportsAndMachine) {
   EXPECT_FALSE(KrRxPeImage(nullptr, 4096).isX64Dll());
 }
 
+// What krhost check's runtime verdict rests on: the functions a module imports from the runtime.
+TEST(KrRxPeImageTest, RealModulesNameTheFunctionsTheyImportFromTheRuntime) {
+  auto runtimeImportsOf = [](const std::string& bytes, bool& readable) {
+    std::vector<std::string> names;
+    readable = KrRxPeImage(bytes.data(), bytes.size()).importedFunctionNames("KR1ST20.DLL", names);
+    return names;
+  };
+  bool readable = false;
+  std::string newer = krReadFile(krTestBinDirectory() + L"newerruntime.krx");
+  EXPECT_THAT(runtimeImportsOf(newer, readable), ElementsAre("krrxFunctionOfANewerRuntime"));
+  EXPECT_TRUE(readable);
+
+  std::string good = krReadFile(krTestBinDirectory() + L"good.krx");
+  EXPECT_THAT(runtimeImportsOf(good, readable), Contains("_Z21krrxUnlockApplicationPv"));
+  std::vector<std::string> none;
+  EXPECT_TRUE(KrRxPeImage(good.data(), good.size()).importedFunctionNames("nosuch.dll", none));
+  EXPECT_TRUE(none.empty());
+  EXPECT_THAT(runtimeImportsOf(good.substr(0, 1024), readable), IsEmpty());
+  EXPECT_FALSE(readable) << "the import data lies beyond the bytes given";
+}
+
 TEST(KrRxPeImageTest, AMappedModuleReadsAtItsVirtualAddresses) {
   HMODULE module = GetModuleHandleW(L"KRDB20.DLL");
   ASSERT_NE(module, nullptr);
