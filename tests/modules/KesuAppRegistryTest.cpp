@@ -9,6 +9,7 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -77,6 +78,17 @@ class AppRegistryTest : public ::testing::Test {
   }
   // An application name of this test's own.
   std::wstring app(const wchar_t* name) const { return mAppPrefix + name; }
+
+  // Loadable registrations of this test's applications: hive, release, name and module file.
+  struct Record {
+    HKEY hive;
+    const wchar_t* release;
+    const wchar_t* name;
+    const wchar_t* loader;
+  };
+  void putRecords(std::initializer_list<Record> records) const {
+    for (const Record& r : records) putRecord(r.hive, appKey(r.release, app(r.name)), r.loader);
+  }
 
   KesuAppInfo readRecord(const std::wstring& app) const {
     KesuAppInfo record(app.c_str());
@@ -250,13 +262,10 @@ TEST_F(AppRegistryTest, DeleteTriesBothHivesAndReportsTheLastOne) {
 }
 
 TEST_F(AppRegistryTest, EarlierMinorReleasesAreFoundAfterTheCurrentOne) {
-  putRecord(HKLM, appKey(L"20.3", app(L"Old")), L"old.krx");
-  putRecord(HKLM, appKey(L"20.3", app(L"Both")), L"old.krx");
-  putRecord(HKLM, appKey(L"20.5", app(L"Both")), L"current.krx");
-  // The release order comes before the hive order.
-  putRecord(HKCU, appKey(L"20.3", app(L"Hives")), L"user-20.3.krx");
-  putRecord(HKLM, appKey(L"20.4", app(L"Hives")), L"machine-20.4.krx");
-  putRecord(HKLM, appKey(L"20.0", app(L"Oldest")), L"oldest.krx");
+  // The release order comes before the hive order (Hives).
+  putRecords({{HKLM, L"20.3", L"Old", L"old.krx"}, {HKLM, L"20.3", L"Both", L"old.krx"},
+              {HKLM, L"20.5", L"Both", L"current.krx"}, {HKCU, L"20.3", L"Hives", L"user-20.3.krx"},
+              {HKLM, L"20.4", L"Hives", L"machine-20.4.krx"}, {HKLM, L"20.0", L"Oldest", L"oldest.krx"}});
 
   KesuAppInfo old = readRecord(app(L"Old"));
   EXPECT_EQ(old.status(), KesuApp::eOk);
@@ -324,12 +333,9 @@ TEST_F(AppRegistryTest, ProductCodeIsAHeapCopyFromTheFirstApplicationKey) {
 }
 
 TEST_F(AppRegistryTest, EnumerationListsEveryNameOnceInSearchOrder) {
-  putRecord(HKCU, appKey(L"20.5", app(L"A")), L"a.krx");
-  putRecord(HKLM, appKey(L"20.5", app(L"B")), L"b.krx");
-  putRecord(HKLM, appKey(L"20.3", app(L"C")), L"c.krx");
-  putRecord(HKLM, appKey(L"20.3", app(L"a")), L"a-again.krx");
-  putRecord(HKCU, appKey(L"20.0", app(L"D")), L"d.krx");
-  putRecord(HKCU, appKey(L"20.0", app(L"B")), L"b-again.krx");
+  putRecords({{HKCU, L"20.5", L"A", L"a.krx"}, {HKLM, L"20.5", L"B", L"b.krx"}, {HKLM, L"20.3", L"C", L"c.krx"},
+              {HKLM, L"20.3", L"a", L"a-again.krx"}, {HKCU, L"20.0", L"D", L"d.krx"},
+              {HKCU, L"20.0", L"B", L"b-again.krx"}});
 
   KesuAppRegistry registry;
   int count = registry.enumerate();
