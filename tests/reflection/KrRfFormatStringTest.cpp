@@ -1,4 +1,5 @@
-// Template formatting and the property-path evaluator behind it.
+// Template formatting, with and without a host's format context, and the
+// property-path evaluator behind it.
 
 #include <gtest/gtest.h>
 
@@ -16,14 +17,19 @@ class Metres : public KrVtFloat64 {
 };
 KRRX_CONS_DEFINE_MEMBERS(Metres, KrVtFloat64)
 
+// value with decimals in the C form, as a new text from malloc.
+wchar_t* cForm(double value, int decimals) {
+  wchar_t buffer[64];
+  swprintf(buffer, 64, L"%.*f", decimals, value);
+  return _wcsdup(buffer);
+}
+
 // Writes decimals with a comma, as a host's locale may.
 class CommaFormat : public KrRxNumberFormat {
  public:
   Kesu::ErrorStatus formatDouble(double value, int decimals, wchar_t*& text) const override {
-    wchar_t buffer[64];
-    swprintf(buffer, 64, L"%.*f", decimals, value);
-    if (wchar_t* point = wcschr(buffer, L'.')) *point = decimalSeparator();
-    text = _wcsdup(buffer);
+    text = cForm(value, decimals);
+    if (wchar_t* point = wcschr(text, L'.')) *point = decimalSeparator();
     return Kesu::eOk;
   }
   Kesu::ErrorStatus parseDouble(const wchar_t*, double&) const override { return Kesu::eNotSupported; }
@@ -48,9 +54,7 @@ class MetresFormattable : public KrRxFormattablePE {
   Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override {
     const double value = KrVtFloat64::cast(object)->value();
     if (context && context->numberFormat()) return context->numberFormat()->formatDouble(value, 2, text);
-    wchar_t buffer[64];
-    swprintf(buffer, 64, L"%.2f", value);
-    text = _wcsdup(buffer);
+    text = cForm(value, 2);
     return Kesu::eOk;
   }
   Kesu::ErrorStatus fromText(KrRxObject*, const wchar_t*, const KrRxFormatContext*) override {
