@@ -8,17 +8,11 @@
 #include <vector>
 
 #include "BenchHarness.h"
+#include "BenchLevels.h"
 #include "kr1st.h"
 
 namespace {
 
-// Five levels of runtime classes; objects are made of the deepest.
-KR_BENCH_CLASS(Level1, KrRxObject)
-KR_BENCH_CLASS(Level2, Level1)
-KR_BENCH_CLASS(Level3, Level2)
-KR_BENCH_CLASS(Level4, Level3)
-KR_BENCH_CLASS(Level5, Level4)
-KR_BENCH_CLASS(Probe, KrRxObject)
 KR_BENCH_CLASS(Listener, KrRxProtocolReactor)
 
 // A query overrule that never applies: every lookup asks it and moves on.
@@ -26,12 +20,6 @@ class NeverQueryX : public KrRxQueryXOverrule {
  public:
   bool isApplicable(const KrRxObject*) const override { return false; }
 };
-
-void registerClasses() {
-  Level1::rxInit(), Level2::rxInit(), Level3::rxInit(), Level4::rxInit(), Level5::rxInit();
-  Probe::rxInit(), Listener::rxInit();
-  krrxBuildClassHierarchy();
-}
 
 KrRxProtocolReactorManagerFactory* reactorFactory() {
   auto* services = KrRxDictionary::cast(krrxSysRegistry()->at(L"ServiceDictionary"));
@@ -102,7 +90,9 @@ void benchReactors() {
 }  // namespace
 
 int main() {
-  registerClasses();
+  registerBenchLevels();
+  Listener::rxInit();
+  krrxBuildClassHierarchy();
   std::printf("Overrules and protocol reactors (best of 5 rounds, ns per call)\n");
   benchQueryX();
   benchReactors();

@@ -5,19 +5,10 @@
 #include <unordered_map>
 
 #include "BenchHarness.h"
+#include "BenchLevels.h"
 #include "kr1st.h"
 
 namespace {
-
-// Eight levels of runtime classes, each a C++ class registered under its name.
-KR_BENCH_CLASS(Level1, KrRxObject)
-KR_BENCH_CLASS(Level2, Level1)
-KR_BENCH_CLASS(Level3, Level2)
-KR_BENCH_CLASS(Level4, Level3)
-KR_BENCH_CLASS(Level5, Level4)
-KR_BENCH_CLASS(Level6, Level5)
-KR_BENCH_CLASS(Level7, Level6)
-KR_BENCH_CLASS(Level8, Level7)
 
 // The same depth as a plain polymorphic C++ hierarchy.
 struct Plain0 {
@@ -32,23 +23,10 @@ struct Plain6 : Plain5 {};
 struct Plain7 : Plain6 {};
 struct Plain8 : Plain7 {};
 
-// A protocol class and its extension object.
-class Probe : public KrRxObject {
-  KRRX_DECLARE_MEMBERS(Probe);
-};
-KRRX_CONS_DEFINE_MEMBERS(Probe, KrRxObject)
-
-void registerClasses() {
-  Level1::rxInit(), Level2::rxInit(), Level3::rxInit(), Level4::rxInit();
-  Level5::rxInit(), Level6::rxInit(), Level7::rxInit(), Level8::rxInit();
-  Probe::rxInit();
-  krrxBuildClassHierarchy();
-}
-
 }  // namespace
 
 int main() {
-  registerClasses();
+  registerBenchLevels();
   Probe extension;
   Level1::desc()->addX(Probe::desc(), &extension);
 

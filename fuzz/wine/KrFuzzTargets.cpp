@@ -10,7 +10,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "KrFuzzDoor.h"
+#include "KrRfTestDoor.h"
 #include "kr1st.h"
 
 namespace {
@@ -175,11 +175,26 @@ KrFuzzVerdict feedCamelCase(const wchar_t* text, uint64_t) {
   return {true, wrong};
 }
 
+// The door that paths and templates are read on, with a frame of oak (a
+// door without a frame of its own), made on first use and kept for the run.
+struct FramedDoor {
+  TestDoor door, frame;
+  FramedDoor() {
+    describeTestDoor();
+    door.mpFrame = &frame;
+    frame.mName = L"oak";
+  }
+};
+const KrRxObject* fuzzDoor() {
+  static FramedDoor framed;
+  return &framed.door;
+}
+
 // Reading a path on the door: eOk with a new value of the last step's value
 // class, or a refusal that leaves the result alone with one of the statuses
 // a path, a value class or a reading can answer.
 KrFuzzVerdict feedEvaluate(const wchar_t* text, uint64_t choice) {
-  const KrRxObject* door = krfuzzDoor();
+  const KrRxObject* door = fuzzDoor();
   KrRxObject* const untouched = const_cast<KrRxObject*>(door);
   KrRxObject* value = untouched;
   Kesu::ErrorStatus status = choice % 3 == 2 ? krrfEvaluateString(text, door, value)
@@ -194,7 +209,7 @@ KrFuzzVerdict feedEvaluate(const wchar_t* text, uint64_t choice) {
   if (!text) return {true, "a null text was read"};
   if (value == untouched || !value) return {true, "a read path gave no new value"};
   const wchar_t* last = wcsrchr(text, L'.');
-  const bool sameClass = value->isA() == krfuzzDoorValueType(last ? last + 1 : text);
+  const bool sameClass = value->isA() == testDoorValueType(last ? last + 1 : text);
   delete value;
   return {true, sameClass ? nullptr : "a read value is not of the last property's value class"};
 }
@@ -204,8 +219,8 @@ KrFuzzVerdict feedEvaluate(const wchar_t* text, uint64_t choice) {
 // when it has none), cut at the limit.
 KrFuzzVerdict feedFormat(const wchar_t* text, uint64_t choice) {
   wchar_t* filled = nullptr;
-  Kesu::ErrorStatus status = choice % 2 ? krrfFormatString(text, krfuzzDoor(), filled)
-                                        : krrfFormatString(text, krfuzzDoor(), nullptr, filled);
+  Kesu::ErrorStatus status = choice % 2 ? krrfFormatString(text, fuzzDoor(), filled)
+                                        : krrfFormatString(text, fuzzDoor(), nullptr, filled);
   if (!text) return {false, status == Kesu::eInvalidInput && !filled ? nullptr : "a null text was filled"};
   if (status != Kesu::eOk) return {false, "a template answered an undefined status"};
   if (!filled) return {true, "filled without a text"};

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "KrHeapUsage.h"
 #include "kr1st.h"
 #include "runtime/KrRxImpClass.h"
 
@@ -21,7 +22,13 @@ void krDeleteClassAsOnUnload(KrRxClass* cls) {
   KrRxImpClass::clearDeletedClassesArray();
 }
 
-void krDeleteClass(KrRxClass* cls) {
-  delete cls;
-  krrxBuildClassHierarchy();  // clears the pending list the descriptor sat in
+long long krHeapGrowthOfAttaching(const std::function<void(KrRxClass*)>& attach) {
+  auto cycle = [&](bool attaching) {
+    KrRxClass* cls = new KrRxClass(L"ShortLived", L"KrRxObject", nullptr);
+    if (attaching) attach(cls);
+    delete cls;  // at once: its implementation takes down what it owns
+    krrxBuildClassHierarchy();  // clears the pending list the descriptor sat in
+  };
+  long long bare = krHeapGrowth(20, 200, [&] { cycle(false); });
+  return krHeapGrowth(20, 200, [&] { cycle(true); }) - bare;
 }

@@ -113,11 +113,8 @@ void fireAll(KrRxEventReactor* reactor, Host& host) {
 }  // namespace
 
 TEST(KrRxEventTest, TheClassesAreRegistered) {
-  ASSERT_NE(KrRxEvent::desc(), nullptr);
   EXPECT_EQ(KrRxEvent::desc(), krrxFindKrRxClass(L"KrRxEvent"));
-  EXPECT_EQ(KrRxEvent::desc()->myParent(), KrRxObject::desc());
   EXPECT_EQ(KrRxEvent::desc()->create(), nullptr) << "abstract: no pseudo-constructor";
-  EXPECT_EQ(KrRxEventReactor::desc()->myParent(), KrRxObject::desc());
   KrRxObject* made = KrRxEventReactor::desc()->create();
   EXPECT_EQ(KrRxEventReactor::cast(made), made);
   EXPECT_NE(made, nullptr);

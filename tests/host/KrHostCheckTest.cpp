@@ -10,7 +10,6 @@
 #include "KrHostRun.h"
 #include "KrRxModuleTestSupport.h"
 #include "KrTestFiles.h"
-#include "modules/KrRxPeImage.h"
 
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -24,21 +23,12 @@ struct Verdict {
 };
 
 Verdict check(const std::wstring& module) {
-  KrHostRun text = krRunHost(L"check " + module);
-  KrHostRun json = krRunHost(L"check --json " + module);
-  EXPECT_EQ(text.exitCode, json.exitCode);
-  KrJson doc = json.json();
-  EXPECT_EQ(doc.kind(), KrJson::kObject) << json.out;
-  return {text.exitCode, text.out, doc["modules"][0]};
+  KrHostForms forms = krRunHostForms(L"check", module);
+  return {forms.exitCode, forms.text, forms.doc["modules"][0]};
 }
 
 // The check's row in the module's JSON entry.
-const KrJson& row(const Verdict& verdict, const char* check) {
-  for (const KrJson& row : verdict.module["checks"].items())
-    if (row["check"].text() == check) return row;
-  static const KrJson missing;
-  return missing;
-}
+const KrJson& row(const Verdict& verdict, const char* check) { return verdict.module["checks"].rowWith("check", check); }
 
 // The module fails exactly the one check, with detail starting with words.
 void expectOnlyFailure(const Verdict& verdict, const char* check, const std::string& words) {
@@ -99,42 +89,6 @@ TEST(HostCheckTest, NamesThatResolveToNothing) {
 
   Verdict noExtension = check(L"good");
   EXPECT_THAT(row(noExtension, "name")["fix"].text(), HasSubstr("good.krx"));
-}
-
-TEST(HostCheckTest, SeveralModulesFailWhenOneFails) {
-  KrHostRun run = krRunHost(L"check --json good.krx noentry.krx");
-  EXPECT_EQ(run.exitCode, 1);
-  KrJson doc = run.json();
-  EXPECT_TRUE(doc["modules"][0]["loads"].truth());
-  EXPECT_FALSE(doc["modules"][1]["loads"].truth());
-  EXPECT_FALSE(doc["ok"].truth());
-}
-
-}  // namespace
-
-namespace {
-
-std::vector<std::string> runtimeImportsOf(const std::string& bytes, bool& readable) {
-  std::vector<std::string> names;
-  readable = KrRxPeImage(bytes.data(), bytes.size()).importedFunctionNames("KR1ST20.DLL", names);
-  return names;
-}
-
-// What check's runtime verdict rests on: the names a module imports from the runtime, read from its file.
-TEST(HostCheckTest, RuntimeImportsAreReadFromTheFile) {
-  bool readable = false;
-  std::string newer = krReadFile(krTestBinDirectory() + L"newerruntime.krx");
-  EXPECT_THAT(runtimeImportsOf(newer, readable), ::testing::ElementsAre("krrxFunctionOfANewerRuntime"));
-  EXPECT_TRUE(readable);
-
-  std::string good = krReadFile(krTestBinDirectory() + L"good.krx");
-  EXPECT_THAT(runtimeImportsOf(good, readable), ::testing::Contains("_Z21krrxUnlockApplicationPv"));
-  std::vector<std::string> none;
-  EXPECT_TRUE(KrRxPeImage(good.data(), good.size()).importedFunctionNames("nosuch.dll", none));
-  EXPECT_TRUE(none.empty());
-
-  EXPECT_THAT(runtimeImportsOf(good.substr(0, 1024), readable), ::testing::IsEmpty());
-  EXPECT_FALSE(readable) << "the import data lies beyond the bytes given";
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "KrHostRun.h"
 
+#include <gtest/gtest.h>
+
 #include "KrProcessRun.h"
 #include "KrTestFiles.h"
 
@@ -11,4 +13,13 @@ KrHostRun krRunHost(const std::wstring& arguments, const std::wstring& folder) {
   run.out = process.out;
   run.err = process.err;
   return run;
+}
+
+KrHostForms krRunHostForms(const std::wstring& command, const std::wstring& arguments, const std::wstring& folder) {
+  KrHostRun text = krRunHost(command + L" " + arguments, folder);
+  KrHostRun json = krRunHost(command + L" --json " + arguments, folder);
+  EXPECT_EQ(text.exitCode, json.exitCode) << text.out;
+  KrHostForms forms{text.exitCode, text.out, json.json()};
+  EXPECT_EQ(forms.doc.kind(), KrJson::kObject) << json.out;
+  return forms;
 }

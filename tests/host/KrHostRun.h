@@ -17,3 +17,14 @@ struct KrHostRun {
 // Runs "krhost <arguments>" in folder (the test's folder when empty); a
 // krhost still running after two minutes is ended with exit code 99.
 KrHostRun krRunHost(const std::wstring& arguments, const std::wstring& folder = L"");
+
+// A command run in both forms, "krhost <command> <arguments>" and
+// "krhost <command> --json <arguments>": the text form's output, the JSON
+// form read back, and the exit status, which must be the same for both.
+struct KrHostForms {
+  int exitCode = -1;
+  std::string text;
+  KrJson doc;
+};
+KrHostForms krRunHostForms(const std::wstring& command, const std::wstring& arguments,
+                           const std::wstring& folder = L"");

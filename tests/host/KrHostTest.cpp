@@ -9,6 +9,7 @@
 #include <string>
 
 #include "KrHostRun.h"
+#include "KrRegistryTestSupport.h"
 #include "KrTestFiles.h"
 
 using ::testing::Contains;
@@ -19,14 +20,6 @@ using ::testing::IsEmpty;
 namespace {
 
 std::wstring samplesFolder() { return krTestBinDirectory() + L"samples"; }
-
-// The row of table whose member key has the text value.
-const KrJson& rowWith(const KrJson& table, const char* key, const std::string& value) {
-  for (const KrJson& row : table.items())
-    if (row[key].text() == value) return row;
-  static const KrJson missing;
-  return missing;
-}
 
 TEST(HostCommandTest, HelpListsEveryCommandAndUsageErrorsFail) {
   KrHostRun help = krRunHost(L"--help");
@@ -49,69 +42,48 @@ TEST(HostCommandTest, HelpListsEveryCommandAndUsageErrorsFail) {
 }
 
 TEST(HostCommandTest, TreeShowsModuleClassesWithTheirProtocolExtensions) {
-  KrHostRun text = krRunHost(L"tree --with shapes.krx", samplesFolder());
-  EXPECT_EQ(text.exitCode, 0);
-  EXPECT_THAT(text.out, HasSubstr("\n    KrSampleShape "));
-  EXPECT_THAT(text.out, HasSubstr("\n      KrSampleCircle "));
-
-  KrHostRun json = krRunHost(L"tree --json --with shapes.krx", samplesFolder());
-  ASSERT_EQ(json.exitCode, 0);
-  KrJson doc = json.json();
-  ASSERT_EQ(doc.kind(), KrJson::kObject) << json.out;
-  EXPECT_TRUE(doc["with"][0]["loaded"].truth());
-  const KrJson& circle = rowWith(doc["classes"], "name", "KrSampleCircle");
+  KrHostForms tree = krRunHostForms(L"tree", L"--with shapes.krx", samplesFolder());
+  ASSERT_EQ(tree.exitCode, 0);
+  EXPECT_THAT(tree.text, HasSubstr("\n    KrSampleShape "));
+  EXPECT_THAT(tree.text, HasSubstr("\n      KrSampleCircle "));
+  EXPECT_TRUE(tree.doc["with"][0]["loaded"].truth());
+  const KrJson& circle = tree.doc["classes"].rowWith("name", "KrSampleCircle");
   EXPECT_EQ(circle["parent"].text(), "KrSampleShape");
   EXPECT_EQ(circle["depth"].number(), 2);
   EXPECT_THAT(circle["extensions"].texts(), Contains("KrSampleDescriber: KrSampleShapeDescriber"));
-  EXPECT_EQ(rowWith(doc["classes"], "name", "KrRxObject")["parent"].kind(), KrJson::kNull);
+  EXPECT_EQ(tree.doc["classes"].rowWith("name", "KrRxObject")["parent"].kind(), KrJson::kNull);
 }
 
 TEST(HostCommandTest, ServicesNameTheirOwnerModule) {
   KrHostRun run = krRunHost(L"services --json --with greeter.kra --with shapes.krx", samplesFolder());
   ASSERT_EQ(run.exitCode, 0);
   KrJson doc = run.json();
-  EXPECT_EQ(rowWith(doc["services"], "name", "SampleGreeterService")["owner"].text(), "greeter.kra");
-  EXPECT_EQ(rowWith(doc["services"], "name", "SampleShapeService")["owner"].text(), "shapes.krx");
-  EXPECT_EQ(rowWith(doc["services"], "name", "KernelServices")["owner"].text(), "runtime");
-  EXPECT_FALSE(rowWith(doc["services"], "name", "KernelServices")["hasDependants"].truth());
+  EXPECT_EQ(doc["services"].rowWith("name", "SampleGreeterService")["owner"].text(), "greeter.kra");
+  EXPECT_EQ(doc["services"].rowWith("name", "SampleShapeService")["owner"].text(), "shapes.krx");
+  EXPECT_EQ(doc["services"].rowWith("name", "KernelServices")["owner"].text(), "runtime");
+  EXPECT_FALSE(doc["services"].rowWith("name", "KernelServices")["hasDependants"].truth());
 
   KrHostRun without = krRunHost(L"services --json", samplesFolder());
-  EXPECT_EQ(rowWith(without.json()["services"], "name", "SampleShapeService").kind(), KrJson::kInvalid);
+  EXPECT_EQ(without.json()["services"].rowWith("name", "SampleShapeService").kind(), KrJson::kInvalid);
 }
 
 TEST(HostCommandTest, RegistryListsTheSystemEntries) {
   KrHostRun run = krRunHost(L"registry --json");
   ASSERT_EQ(run.exitCode, 0);
   KrJson doc = run.json();
-  EXPECT_EQ(rowWith(doc["registry"], "key", "DynamicLinker")["class"].text(), "KrRxImpDynamicLinker");
-  EXPECT_EQ(rowWith(doc["registry"], "key", "ClassDictionary")["class"].text(), "KrRxImpDictionary");
+  EXPECT_EQ(doc["registry"].rowWith("key", "DynamicLinker")["class"].text(), "KrRxImpDynamicLinker");
+  EXPECT_EQ(doc["registry"].rowWith("key", "ClassDictionary")["class"].text(), "KrRxImpDictionary");
 }
 
-TEST(HostCommandTest, DescribeTellsOwnAndInheritedExtensions) {
-  KrHostRun circle = krRunHost(L"describe KrSampleCircle --json --with shapes.krx", samplesFolder());
-  ASSERT_EQ(circle.exitCode, 0) << circle.out;
-  KrJson doc = circle.json();
-  EXPECT_EQ(doc["parent"].text(), "KrSampleShape");
-  EXPECT_THAT(doc["ancestors"].texts(), ElementsAre("KrSampleShape", "KrRxObject"));
-  EXPECT_EQ(rowWith(doc["extensions"], "protocol", "KrSampleDescriber")["from"].text(),
+TEST(HostCommandTest, DescribeTellsExtensionsAndPropertiesOwnAndInherited) {
+  KrHostForms circle = krRunHostForms(L"describe", L"KrSampleCircle --with shapes.krx", samplesFolder());
+  ASSERT_EQ(circle.exitCode, 0) << circle.text;
+  EXPECT_EQ(circle.doc["parent"].text(), "KrSampleShape");
+  EXPECT_THAT(circle.doc["ancestors"].texts(), ElementsAre("KrSampleShape", "KrRxObject"));
+  EXPECT_EQ(circle.doc["extensions"].rowWith("protocol", "KrSampleDescriber")["from"].text(),
             "inherited from KrSampleShape");
-
-  KrHostRun shape = krRunHost(L"describe KrSampleShape --with shapes.krx", samplesFolder());
-  EXPECT_EQ(shape.exitCode, 0);
-  EXPECT_THAT(shape.out, HasSubstr("KrSampleDescriber      KrSampleShapeDescriber  own"));
-  EXPECT_THAT(shape.out, HasSubstr("\nChildren:    KrSampleCircle, KrSampleSquare\n"));
-
-  KrHostRun wrongCase = krRunHost(L"describe krsamplecircle --json --with shapes.krx", samplesFolder());
-  EXPECT_EQ(wrongCase.exitCode, 1);
-  EXPECT_THAT(wrongCase.json()["similar"].texts(), ElementsAre("KrSampleCircle"));
-}
-
-TEST(HostCommandTest, DescribeListsTheShapePropertiesOnEveryShape) {
-  KrHostRun circle = krRunHost(L"describe KrSampleCircle --json --with shapes.krx", samplesFolder());
-  ASSERT_EQ(circle.exitCode, 0) << circle.out;
-  KrJson doc = circle.json();
-  const KrJson& symbols = doc["symbols"];
-  ASSERT_EQ(symbols.items().size(), 2u) << circle.out;
+  const KrJson& symbols = circle.doc["symbols"];
+  ASSERT_EQ(symbols.items().size(), 2u) << circle.text;
   const char* names[] = {"width", "height"};
   for (int i = 0; i < 2; ++i) {
     EXPECT_EQ(symbols[i]["name"].text(), names[i]);
@@ -121,78 +93,84 @@ TEST(HostCommandTest, DescribeListsTheShapePropertiesOnEveryShape) {
   }
 
   KrHostRun shape = krRunHost(L"describe KrSampleShape --with shapes.krx", samplesFolder());
+  EXPECT_EQ(shape.exitCode, 0);
+  EXPECT_THAT(shape.out, HasSubstr("KrSampleDescriber      KrSampleShapeDescriber  own"));
+  EXPECT_THAT(shape.out, HasSubstr("\nChildren:    KrSampleCircle, KrSampleSquare\n"));
   EXPECT_THAT(shape.out, HasSubstr("Symbols and properties (2)"));
   EXPECT_THAT(shape.out, HasSubstr("KrSampleShape  height  Height        property  KrVtFloat64"));
+
+  KrHostRun wrongCase = krRunHost(L"describe krsamplecircle --json --with shapes.krx", samplesFolder());
+  EXPECT_EQ(wrongCase.exitCode, 1);
+  EXPECT_THAT(wrongCase.json()["similar"].texts(), ElementsAre("KrSampleCircle"));
 }
 
-TEST(HostCommandTest, FormatWritesBackWhatItRead) {
-  struct Case {
+// Format writes back what it read, or fails with the reason and writes nothing.
+TEST(HostCommandTest, FormatWritesBackWhatItReadOrTellsWhyNot) {
+  const struct {
     const wchar_t* arguments;
-    const char* text;
+    const char* text;     // the text written back
+    const char* problem;  // or the reason it was not
+  } kRuns[] = {
+      {L"KrVtDate 2023/05/17", "2023-05-17", nullptr},
+      {L"KrVtRatio \"6 : 8\"", "3 : 4", nullptr},
+      {L"KrVtPercentage 45", "45%", nullptr},
+      {L"KrVtDate tomorrow", nullptr, "\"tomorrow\" does not read as a KrVtDate"},
+      {L"KrVtDat 2023", nullptr, "no class named KrVtDat"},
+      {L"KrRfValue 1", nullptr, "KrRfValue cannot be created"},
+      {L"--with shapes.krx KrSampleCircle 1", nullptr, "KrSampleCircle has no text form"},
   };
-  for (const Case& c : {Case{L"format --json KrVtDate 2023/05/17", "2023-05-17"},
-                        Case{L"format --json KrVtRatio \"6 : 8\"", "3 : 4"},
-                        Case{L"format --json KrVtPercentage 45", "45%"}}) {
-    KrHostRun run = krRunHost(c.arguments);
-    EXPECT_EQ(run.exitCode, 0) << run.out;
-    KrJson doc = run.json();
-    EXPECT_TRUE(doc["ok"].truth()) << run.out;
-    EXPECT_EQ(doc["text"].text(), c.text) << run.out;
+  for (const auto& run : kRuns) {
+    KrHostRun host = krRunHost(std::wstring(L"format --json ") + run.arguments, samplesFolder());
+    EXPECT_EQ(host.exitCode, run.text ? 0 : 1) << host.out;
+    KrJson doc = host.json();
+    EXPECT_EQ(doc["ok"].truth(), run.text != nullptr) << host.out;
+    if (run.text) {
+      EXPECT_EQ(doc["text"].text(), run.text) << host.out;
+    } else {
+      EXPECT_THAT(doc["problem"].text(), HasSubstr(run.problem)) << host.out;
+      EXPECT_EQ(doc["text"].kind(), KrJson::kInvalid) << "nothing written";
+    }
   }
-  KrHostRun text = krRunHost(L"format KrVtDate 2023/05/17");
-  EXPECT_THAT(text.out, HasSubstr("\nText:  2023-05-17\n"));
+  EXPECT_THAT(krRunHost(L"format KrVtDate 2023/05/17").out, HasSubstr("\nText:  2023-05-17\n"));
+  EXPECT_EQ(krRunHost(L"format KrVtDate").exitCode, 1) << "the text is missing";
   EXPECT_THAT(krRunHost(L"format --help").out, HasSubstr("Usage: krhost format [--with <module>] [--json] <class> <text>"));
 }
 
-TEST(HostCommandTest, FormatFailsWithTheReason) {
-  struct Case {
-    const wchar_t* arguments;
-    const char* problem;
-  };
-  for (const Case& c : {Case{L"format --json KrVtDate tomorrow", "\"tomorrow\" does not read as a KrVtDate"},
-                        Case{L"format --json KrVtDat 2023", "no class named KrVtDat"},
-                        Case{L"format --json KrRfValue 1", "KrRfValue cannot be created"},
-                        Case{L"format --json --with shapes.krx KrSampleCircle 1", "KrSampleCircle has no text form"}}) {
-    KrHostRun run = krRunHost(c.arguments, samplesFolder());
-    EXPECT_EQ(run.exitCode, 1) << run.out;
-    KrJson doc = run.json();
-    EXPECT_FALSE(doc["ok"].truth()) << run.out;
-    EXPECT_THAT(doc["problem"].text(), HasSubstr(c.problem));
-    EXPECT_EQ(doc["text"].kind(), KrJson::kInvalid) << "nothing written";
-  }
-  EXPECT_EQ(krRunHost(L"format KrVtDate").exitCode, 1) << "the text is missing";
-}
-
 TEST(HostCommandTest, LoadTellsWhatEachModuleAddedAndUnloadsInReverse) {
-  KrHostRun run = krRunHost(L"load --json shapes.krx greeter.kra", samplesFolder());
-  ASSERT_EQ(run.exitCode, 0) << run.out;
-  KrJson doc = run.json();
-  const KrJson& shapes = doc["modules"][0];
+  KrHostForms load = krRunHostForms(L"load", L"shapes.krx greeter.kra", samplesFolder());
+  ASSERT_EQ(load.exitCode, 0) << load.text;
+  const KrJson& shapes = load.doc["modules"][0];
   EXPECT_TRUE(shapes["loaded"].truth());
   EXPECT_THAT(shapes["classes"].texts(),
               ElementsAre("KrSampleCircle", "KrSampleDescriber", "KrSampleLargeShapeDescriber",
                           "KrSampleLargeShapeOverrule", "KrSampleShape", "KrSampleShapeDescriber",
                           "KrSampleShapeReactor", "KrSampleSquare"));
   EXPECT_THAT(shapes["services"].texts(), ElementsAre("SampleShapeService"));
-  const KrJson& greeter = doc["modules"][1];
+  const KrJson& greeter = load.doc["modules"][1];
   EXPECT_THAT(greeter["appData"].texts(), ElementsAre("Motto (KrRxTextString)"));
   EXPECT_THAT(greeter["unloadMessages"].texts(), ElementsAre("'greeter.kra' succefuly unloaded."));
-  EXPECT_TRUE(doc["ok"].truth());
-
-  KrHostRun text = krRunHost(L"load shapes.krx", samplesFolder());
-  EXPECT_THAT(text.out, HasSubstr("Services added:   SampleShapeService\n"));
+  EXPECT_TRUE(load.doc["ok"].truth());
+  EXPECT_THAT(load.text, HasSubstr("Services added:   SampleShapeService\n"));
 }
 
-TEST(HostCommandTest, LoadFailsWithTheLinkersMessages) {
-  KrHostRun run = krRunHost(L"load --json good.krx faultver.krx");
-  EXPECT_EQ(run.exitCode, 1);
-  KrJson doc = run.json();
-  EXPECT_TRUE(doc["modules"][0]["loaded"].truth());
-  EXPECT_FALSE(doc["modules"][1]["loaded"].truth());
-  EXPECT_THAT(doc["modules"][1]["messages"].texts(),
-              Contains(HasSubstr("krrxGetApiVersion faulted in faultver.krx")));
-  EXPECT_THAT(doc["modules"][1]["messages"].texts(), Contains("Failed to load 'faultver.krx'"));
-  EXPECT_FALSE(doc["ok"].truth());
+// Several modules: the command fails when one of them fails.
+TEST(HostCommandTest, LoadAndCheckFailWhenOneModuleFails) {
+  const struct {
+    const wchar_t* arguments;
+    const char* verdict;  // the member that tells whether a module loads
+  } kRuns[] = {{L"load --json good.krx faultver.krx", "loaded"}, {L"check --json good.krx noentry.krx", "loads"}};
+  KrJson docs[2];
+  for (int i = 0; i < 2; ++i) {
+    KrHostRun host = krRunHost(kRuns[i].arguments);
+    EXPECT_EQ(host.exitCode, 1) << kRuns[i].arguments;
+    docs[i] = host.json();
+    EXPECT_TRUE(docs[i]["modules"][0][kRuns[i].verdict].truth()) << kRuns[i].arguments;
+    EXPECT_FALSE(docs[i]["modules"][1][kRuns[i].verdict].truth()) << kRuns[i].arguments;
+    EXPECT_FALSE(docs[i]["ok"].truth()) << kRuns[i].arguments;
+  }
+  const KrJson& faultver = docs[0]["modules"][1];
+  EXPECT_THAT(faultver["messages"].texts(), Contains(HasSubstr("krrxGetApiVersion faulted in faultver.krx")));
+  EXPECT_THAT(faultver["messages"].texts(), Contains("Failed to load 'faultver.krx'"));
 }
 
 // An application registered below a product key of the test's own.
@@ -201,26 +179,16 @@ class HostAppsTest : public ::testing::Test {
   static constexpr const wchar_t* kProductKey = L"Software\\Kestrune\\KrhostTest";
 
   void SetUp() override {
-    HKEY app, triggers;
-    std::wstring path = std::wstring(kProductKey) + L"\\Applications\\KrhostTestApp";
-    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &app, nullptr), 0);
-    setText(app, L"LOADER", L"good.krx");
-    setText(app, L"DESCRIPTION", L"An application of the krhost test");
-    setText(app, L"PRODCODE", L"KR-42");
-    DWORD flags = 0x0C;
-    RegSetValueExW(app, L"LOADCTRLS", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&flags), sizeof(flags));
-    ASSERT_EQ(RegCreateKeyExW(app, L"Triggers", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &triggers, nullptr), 0);
-    setText(triggers, L"KrhostTrigger", L"");
-    RegCloseKey(triggers);
-    RegCloseKey(app);
+    const std::wstring app = std::wstring(kProductKey) + L"\\Applications\\KrhostTestApp";
+    ASSERT_TRUE(krWriteValue(HKEY_CURRENT_USER, app, L"LOADER", krTextValue(L"good.krx")));
+    ASSERT_TRUE(krWriteValue(HKEY_CURRENT_USER, app, L"DESCRIPTION", krTextValue(L"An application of the krhost test")));
+    ASSERT_TRUE(krWriteValue(HKEY_CURRENT_USER, app, L"PRODCODE", krTextValue(L"KR-42")));
+    ASSERT_TRUE(krWriteValue(HKEY_CURRENT_USER, app, L"LOADCTRLS", {REG_DWORD, {0x0C, 0, 0, 0}}));
+    ASSERT_TRUE(krWriteValue(HKEY_CURRENT_USER, app + L"\\Triggers", L"KrhostTrigger", krTextValue(L"")));
   }
   void TearDown() override {
     RegDeleteTreeW(HKEY_CURRENT_USER, kProductKey);
     RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Kestrune");  // only once no other product key is left in it
-  }
-
-  static void setText(HKEY key, const wchar_t* name, const wchar_t* text) {
-    RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), DWORD((wcslen(text) + 1) * 2));
   }
 };
 
@@ -229,7 +197,7 @@ TEST_F(HostAppsTest, AppsShowLoaderReasonsTriggersAndProductCode) {
   ASSERT_EQ(run.exitCode, 0);
   KrJson doc = run.json();
   EXPECT_EQ(doc["productKey"].text(), "Software\\Kestrune\\KrhostTest");
-  const KrJson& app = rowWith(doc["apps"], "name", "KrhostTestApp");
+  const KrJson& app = doc["apps"].rowWith("name", "KrhostTestApp");
   EXPECT_EQ(app["loader"].text(), "good.krx");
   EXPECT_EQ(app["loadCtrls"].text(), "0xC");
   EXPECT_THAT(app["loadReasons"].texts(), ElementsAre("by name or trigger (0x8)", "host reason 0x4"));
@@ -240,7 +208,7 @@ TEST_F(HostAppsTest, AppsShowLoaderReasonsTriggersAndProductCode) {
 
   KrHostRun text = krRunHost(std::wstring(L"apps --product-key ") + kProductKey);
   EXPECT_THAT(text.out, HasSubstr("KrhostTestApp"));
-  EXPECT_EQ(rowWith(krRunHost(L"apps --json").json()["apps"], "name", "KrhostTestApp").kind(), KrJson::kInvalid)
+  EXPECT_EQ(krRunHost(L"apps --json").json()["apps"].rowWith("name", "KrhostTestApp").kind(), KrJson::kInvalid)
       << "without the product key the application is not found";
 }
 

@@ -135,6 +135,12 @@ const KrJson& KrJson::operator[](const char* key) const {
   return kMissing;
 }
 
+const KrJson& KrJson::rowWith(const char* key, const std::string& value) const {
+  for (const KrJson& item : mItems)
+    if (item[key].text() == value) return item;
+  return kMissing;
+}
+
 std::vector<std::string> KrJson::texts() const {
   std::vector<std::string> texts;
   for (const KrJson& item : mItems) texts.push_back(item.text());

@@ -26,6 +26,9 @@ class KrJson {
   // The member named key of an object; an invalid value when there is none.
   const KrJson& operator[](const char* key) const;
   const std::vector<KrJson>& items() const { return mItems; }
+  // The first item of an array whose member key has the text value; an
+  // invalid value when there is none.
+  const KrJson& rowWith(const char* key, const std::string& value) const;
   // An array of texts as a vector.
   std::vector<std::string> texts() const;
 

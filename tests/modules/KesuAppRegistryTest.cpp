@@ -9,6 +9,7 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -78,6 +79,17 @@ class AppRegistryTest : public ::testing::Test {
   // An application name of this test's own.
   std::wstring app(const wchar_t* name) const { return mAppPrefix + name; }
 
+  // Loadable registrations of this test's applications: hive, release, name and module file.
+  struct Record {
+    HKEY hive;
+    const wchar_t* release;
+    const wchar_t* name;
+    const wchar_t* loader;
+  };
+  void putRecords(std::initializer_list<Record> records) const {
+    for (const Record& r : records) putRecord(r.hive, appKey(r.release, app(r.name)), r.loader);
+  }
+
   KesuAppInfo readRecord(const std::wstring& app) const {
     KesuAppInfo record(app.c_str());
     record.readFromRegistry();
@@ -112,10 +124,7 @@ class AppRegistryTest : public ::testing::Test {
 
 }  // namespace
 
-TEST(AppRegistryStartUp, ClassesAreRegisteredAndTheSettableKeyHasItsDefault) {
-  ASSERT_NE(KesuAppInfo::desc(), nullptr);
-  ASSERT_NE(KesuAppRegistry::desc(), nullptr);
-  EXPECT_EQ(KesuAppInfo::desc()->myParent(), KrRxObject::desc());
+TEST(AppRegistryStartUp, RecordsAreCreatableAndTheSettableKeyHasItsDefault) {
   KrRxObject* made = KesuAppInfo::desc()->create();
   EXPECT_NE(KesuAppInfo::cast(made), nullptr);
   delete made;
@@ -136,6 +145,11 @@ TEST_F(AppRegistryTest, WriteLaysOutTheKeyAndReadBringsItBack) {
   EXPECT_EQ(krReadValue(HKLM, key, LOADER), krTextValue(L"C:\\Tools\\tools.krx"));
   EXPECT_EQ(krReadValue(HKLM, key, LOADCTRLS), dwordValue(0x18));
   EXPECT_FALSE(krKeyExists(HKCU, key));
+  std::string listing;
+  ASSERT_EQ(krRunProgram(L"reg.exe query \"HKLM\\" + key + L"\"", &listing), 0);
+  EXPECT_NE(listing.find("    DESCRIPTION    REG_SZ    Drawing tools\r\n"), std::string::npos) << listing;
+  EXPECT_NE(listing.find("    LOADER    REG_SZ    C:\\Tools\\tools.krx\r\n"), std::string::npos) << listing;
+  EXPECT_NE(listing.find("    LOADCTRLS    REG_DWORD    0x18\r\n"), std::string::npos) << listing;
 
   KesuAppInfo read(app(L"Tool").c_str());
   EXPECT_EQ(read.status(), KesuApp::eAppNotFound);
@@ -248,13 +262,10 @@ TEST_F(AppRegistryTest, DeleteTriesBothHivesAndReportsTheLastOne) {
 }
 
 TEST_F(AppRegistryTest, EarlierMinorReleasesAreFoundAfterTheCurrentOne) {
-  putRecord(HKLM, appKey(L"20.3", app(L"Old")), L"old.krx");
-  putRecord(HKLM, appKey(L"20.3", app(L"Both")), L"old.krx");
-  putRecord(HKLM, appKey(L"20.5", app(L"Both")), L"current.krx");
-  // The release order comes before the hive order.
-  putRecord(HKCU, appKey(L"20.3", app(L"Hives")), L"user-20.3.krx");
-  putRecord(HKLM, appKey(L"20.4", app(L"Hives")), L"machine-20.4.krx");
-  putRecord(HKLM, appKey(L"20.0", app(L"Oldest")), L"oldest.krx");
+  // The release order comes before the hive order (Hives).
+  putRecords({{HKLM, L"20.3", L"Old", L"old.krx"}, {HKLM, L"20.3", L"Both", L"old.krx"},
+              {HKLM, L"20.5", L"Both", L"current.krx"}, {HKCU, L"20.3", L"Hives", L"user-20.3.krx"},
+              {HKLM, L"20.4", L"Hives", L"machine-20.4.krx"}, {HKLM, L"20.0", L"Oldest", L"oldest.krx"}});
 
   KesuAppInfo old = readRecord(app(L"Old"));
   EXPECT_EQ(old.status(), KesuApp::eOk);
@@ -322,12 +333,9 @@ TEST_F(AppRegistryTest, ProductCodeIsAHeapCopyFromTheFirstApplicationKey) {
 }
 
 TEST_F(AppRegistryTest, EnumerationListsEveryNameOnceInSearchOrder) {
-  putRecord(HKCU, appKey(L"20.5", app(L"A")), L"a.krx");
-  putRecord(HKLM, appKey(L"20.5", app(L"B")), L"b.krx");
-  putRecord(HKLM, appKey(L"20.3", app(L"C")), L"c.krx");
-  putRecord(HKLM, appKey(L"20.3", app(L"a")), L"a-again.krx");
-  putRecord(HKCU, appKey(L"20.0", app(L"D")), L"d.krx");
-  putRecord(HKCU, appKey(L"20.0", app(L"B")), L"b-again.krx");
+  putRecords({{HKCU, L"20.5", L"A", L"a.krx"}, {HKLM, L"20.5", L"B", L"b.krx"}, {HKLM, L"20.3", L"C", L"c.krx"},
+              {HKLM, L"20.3", L"a", L"a-again.krx"}, {HKCU, L"20.0", L"D", L"d.krx"},
+              {HKCU, L"20.0", L"B", L"b-again.krx"}});
 
   KesuAppRegistry registry;
   int count = registry.enumerate();
@@ -352,17 +360,7 @@ TEST_F(AppRegistryTest, EnumerationListsEveryNameOnceInSearchOrder) {
   EXPECT_EQ(ownRegisteredApps(registry), (std::vector<std::wstring>{app(L"A"), app(L"B"), app(L"D")}));
 }
 
-TEST_F(AppRegistryTest, LayoutAgreesWithRegExe) {
-  KesuAppInfo written(app(L"Tool").c_str(), 0x18);
-  written.setAppDesc(L"Drawing tools");
-  written.setModuleName(L"tools.krx");
-  ASSERT_EQ(written.writeToRegistry(true, false), KesuApp::eOk);
-  std::string listing;
-  ASSERT_EQ(krRunProgram(L"reg.exe query \"HKLM\\" + appKey(L"20.5", app(L"Tool")) + L"\"", &listing), 0);
-  EXPECT_NE(listing.find("    DESCRIPTION    REG_SZ    Drawing tools\r\n"), std::string::npos) << listing;
-  EXPECT_NE(listing.find("    LOADER    REG_SZ    tools.krx\r\n"), std::string::npos) << listing;
-  EXPECT_NE(listing.find("    LOADCTRLS    REG_DWORD    0x18\r\n"), std::string::npos) << listing;
-
+TEST_F(AppRegistryTest, RecordsWrittenByRegExeAreRead) {
   std::wstring added = L"\"HKCU\\" + appKey(L"20.5", app(L"Added")) + L"\"";
   ASSERT_EQ(krRunProgram(L"reg.exe add " + added + L" /v LOADER /d added.krx /f"), 0);
   ASSERT_EQ(krRunProgram(L"reg.exe add " + added + L" /v LOADCTRLS /t REG_DWORD /d 9 /f"), 0);

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "KrPeBytes.h"
 #include "KrRxModuleTestSupport.h"
 #include "krdb20.h"
 
@@ -28,28 +29,16 @@ constexpr size_t kEntryPoint = kOptionalHeader + 16;
 constexpr size_t kSizeOfImage = kOptionalHeader + 56;
 constexpr size_t kImportDirectory = kOptionalHeader + 120;
 
-template <typename T>
-T get(const std::string& bytes, size_t offset) {
-  T value;
-  memcpy(&value, &bytes[offset], sizeof value);
-  return value;
-}
-
-template <typename T>
-void put(std::string& bytes, size_t offset, T value) {
-  memcpy(&bytes[offset], &value, sizeof value);
-}
-
-size_t peOffset(const std::string& bytes) { return get<uint32_t>(bytes, 0x3C); }
+size_t peOffset(const std::string& bytes) { return krPeGet<uint32_t>(bytes, 0x3C); }
 
 // The file offset of rva in a well-formed file, and the end of its section's raw data.
 size_t fileOffset(const std::string& bytes, uint32_t rva, size_t* sectionEnd = nullptr) {
   size_t pe = peOffset(bytes);
-  size_t table = pe + kOptionalHeader + get<uint16_t>(bytes, pe + 20);
-  for (uint16_t i = 0; i < get<uint16_t>(bytes, pe + kSectionCount); ++i) {
+  size_t table = pe + kOptionalHeader + krPeGet<uint16_t>(bytes, pe + 20);
+  for (uint16_t i = 0; i < krPeGet<uint16_t>(bytes, pe + kSectionCount); ++i) {
     size_t header = table + i * 40;
-    uint32_t start = get<uint32_t>(bytes, header + 12), size = get<uint32_t>(bytes, header + 16);
-    uint32_t raw = get<uint32_t>(bytes, header + 20);
+    uint32_t start = krPeGet<uint32_t>(bytes, header + 12), size = krPeGet<uint32_t>(bytes, header + 16);
+    uint32_t raw = krPeGet<uint32_t>(bytes, header + 20);
     if (rva >= start && rva - start < size) {
       if (sectionEnd) *sectionEnd = raw + size;
       return raw + (rva - start);
@@ -62,9 +51,9 @@ size_t fileOffset(const std::string& bytes, uint32_t rva, size_t* sectionEnd = n
 // The first import name of good.krx runs on, without terminator, to the end of its section.
 void unterminateFirstImportName(std::string& bytes) {
   size_t pe = peOffset(bytes);
-  size_t descriptor = fileOffset(bytes, get<uint32_t>(bytes, pe + kImportDirectory));
+  size_t descriptor = fileOffset(bytes, krPeGet<uint32_t>(bytes, pe + kImportDirectory));
   size_t end = 0;
-  size_t name = fileOffset(bytes, get<uint32_t>(bytes, descriptor + 12), &end);
+  size_t name = fileOffset(bytes, krPeGet<uint32_t>(bytes, descriptor + 12), &end);
   memset(&bytes[name], 'A', end - name);
 }
 
@@ -112,19 +101,19 @@ TEST_F(CraftedModuleTest, EachMalformedFileIsRefusedWithAMessage) {
       {"dos-header-only", kNoImage, [](std::string& b) { b.resize(64); }},
       {"truncated-headers", kNoImage, [pe](std::string& b) { b.resize(pe + 100); }},
       {"truncated-sections", kNoImage, [](std::string& b) { b.resize(b.size() / 2); }},
-      {"no-pe-signature", kNoImage, [pe](std::string& b) { put<uint32_t>(b, pe, 0x00004551); }},
-      {"pe-header-past-the-end", kNoImage, [](std::string& b) { put<uint32_t>(b, 0x3C, 0x7FFFFFF0); }},
-      {"section-table-past-the-end", kNoImage, [pe](std::string& b) { put<uint16_t>(b, pe + kSectionCount, 0xFFFF); }},
-      {"32-bit-machine", kNoImage, [pe](std::string& b) { put<uint16_t>(b, pe + kMachine, 0x014C); }},
-      {"arm64-machine", kNoImage, [pe](std::string& b) { put<uint16_t>(b, pe + kMachine, 0xAA64); }},
-      {"size-of-image-zero", kNoImage, [pe](std::string& b) { put<uint32_t>(b, pe + kSizeOfImage, 0); }},
+      {"no-pe-signature", kNoImage, [pe](std::string& b) { krPePut<uint32_t>(b, pe, 0x00004551); }},
+      {"pe-header-past-the-end", kNoImage, [](std::string& b) { krPePut<uint32_t>(b, 0x3C, 0x7FFFFFF0); }},
+      {"section-table-past-the-end", kNoImage, [pe](std::string& b) { krPePut<uint16_t>(b, pe + kSectionCount, 0xFFFF); }},
+      {"32-bit-machine", kNoImage, [pe](std::string& b) { krPePut<uint16_t>(b, pe + kMachine, 0x014C); }},
+      {"arm64-machine", kNoImage, [pe](std::string& b) { krPePut<uint16_t>(b, pe + kMachine, 0xAA64); }},
+      {"size-of-image-zero", kNoImage, [pe](std::string& b) { krPePut<uint32_t>(b, pe + kSizeOfImage, 0); }},
       {"import-directory-outside-the-file", kBrokenSignature,
-       [pe](std::string& b) { put<uint32_t>(b, pe + kImportDirectory, 0x7FFF0000); }},
+       [pe](std::string& b) { krPePut<uint32_t>(b, pe + kImportDirectory, 0x7FFF0000); }},
       {"import-name-without-terminator", kBrokenSignature, unterminateFirstImportName},
       {"a-program", kBrokenSignature,
-       [pe](std::string& b) { put<uint16_t>(b, pe + kCharacteristics, get<uint16_t>(b, pe + kCharacteristics) & ~0x2000); }},
+       [pe](std::string& b) { krPePut<uint16_t>(b, pe + kCharacteristics, krPeGet<uint16_t>(b, pe + kCharacteristics) & ~0x2000); }},
       {"entry-point-outside-the-image", kBrokenSignature,
-       [pe](std::string& b) { put<uint32_t>(b, pe + kEntryPoint, 0x7FFFFFF0); }},
+       [pe](std::string& b) { krPePut<uint32_t>(b, pe + kEntryPoint, 0x7FFFFFF0); }},
   };
   for (const Crafted& module : crafted) {
     std::string bytes = good;

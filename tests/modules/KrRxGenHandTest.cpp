@@ -8,6 +8,7 @@
 
 #include <stdexcept>
 
+#include "KrAbortTrap.h"
 #include "KrRxModuleTestSupport.h"
 #include "runtime/KrRxImpClass.h"
 
@@ -56,20 +57,10 @@ TEST(KrRxGenHandTest, ANewRecordIsLockedAndUnreferenced) {
 
 TEST(KrRxGenHandTest, TheApiReferenceCountHoldsSixteenBits) {
   KrRxGenHand module;
-  try {
-    module.apiRelease();
-    FAIL() << "no underflow reported";
-  } catch (const std::underflow_error& e) {
-    EXPECT_STREQ(e.what(), "KrRxGenHand::apiRelease underflow");
-  }
+  EXPECT_EQ(krThrownText<std::underflow_error>([&] { module.apiRelease(); }), "KrRxGenHand::apiRelease underflow");
   for (int i = 1; i <= 65535; ++i) ASSERT_EQ(module.apiAddRef(), i);
   EXPECT_FALSE(module.safeToUnload());
-  try {
-    module.apiAddRef();
-    FAIL() << "the 65536th reference did not overflow";
-  } catch (const std::overflow_error& e) {
-    EXPECT_STREQ(e.what(), "KrRxGenHand::apiAddRef overflow");
-  }
+  EXPECT_EQ(krThrownText<std::overflow_error>([&] { module.apiAddRef(); }), "KrRxGenHand::apiAddRef overflow");
   EXPECT_EQ(module.apiValue(), 65535);
   EXPECT_EQ(module.apiRelease(), 65534);
 }

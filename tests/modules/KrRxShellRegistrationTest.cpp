@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <cwchar>
+#include <initializer_list>
 #include <ostream>
 #include <string>
 
@@ -32,17 +33,25 @@ const ModuleFileType kModuleFileTypes[] = {
      L"KestruneModuleFile"},
 };
 
-const wchar_t kFullDetails[] =
-    L"prop:System.PropGroup.Description;System.FileDescription;System.ItemType;System.FileVersion;"
-    L"System.Software.ProductName;System.Software.ProductVersion;System.Copyright;*System.Category;"
-    L"*System.Comment;System.Size;System.DateModified;System.Language;*System.Trademarks";
-const wchar_t kInfoTip[] = L"prop:System.FileDescription;System.Company;System.FileVersion;System.DateCreated;System.Size";
-const wchar_t kPreviewDetails[] =
-    L"prop:System.FileDescription;System.FileVersion;System.Software.ProductName;System.Software.ProductVersion;"
-    L"System.Copyright;*System.Category;*System.Comment;System.Size;System.DateCreated;System.DateModified;"
-    L"System.Language;*System.Trademarks";
-const wchar_t kTileInfo[] = L"prop:System.FileVersion;System.FileDescription";
-const wchar_t kClassicTileInfo[] = L"prop:FileVersion;FileDescription";
+// A property list as Explorer reads it: "prop:" and the names, separated by ';'.
+std::wstring propertyList(std::initializer_list<const wchar_t*> names) {
+  std::wstring list = L"prop:";
+  for (const wchar_t* name : names) list += (list.size() > 5 ? L";" : L"") + std::wstring(name);
+  return list;
+}
+
+const std::wstring kFullDetails = propertyList(
+    {L"System.PropGroup.Description", L"System.FileDescription", L"System.ItemType", L"System.FileVersion",
+     L"System.Software.ProductName", L"System.Software.ProductVersion", L"System.Copyright", L"*System.Category",
+     L"*System.Comment", L"System.Size", L"System.DateModified", L"System.Language", L"*System.Trademarks"});
+const std::wstring kInfoTip = propertyList(
+    {L"System.FileDescription", L"System.Company", L"System.FileVersion", L"System.DateCreated", L"System.Size"});
+const std::wstring kPreviewDetails = propertyList(
+    {L"System.FileDescription", L"System.FileVersion", L"System.Software.ProductName",
+     L"System.Software.ProductVersion", L"System.Copyright", L"*System.Category", L"*System.Comment", L"System.Size",
+     L"System.DateCreated", L"System.DateModified", L"System.Language", L"*System.Trademarks"});
+const std::wstring kTileInfo = propertyList({L"System.FileVersion", L"System.FileDescription"});
+const std::wstring kClassicTileInfo = propertyList({L"FileVersion", L"FileDescription"});
 const wchar_t kPropertyHandler[] = L"{66742402-F9B9-11D1-A202-0000F81FEDEE}";
 
 const wchar_t kRegsvr32VersionKey[] = L"Software\\Wine\\AppDefaults\\regsvr32.exe";
@@ -115,16 +124,16 @@ TEST_P(ShellRegistrationOnWindows, InstallWritesTheFileTypesForThatVersion) {
   for (const ModuleFileType& type : kModuleFileTypes) {
     EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, type.identifier, nullptr), krTextValue(type.friendlyName));
     if (windows.classicTileInfo)
-      EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, type.identifier, L"TileInfo"), krTextValue(kClassicTileInfo));
+      EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, type.identifier, L"TileInfo"), krTextValue(kClassicTileInfo.c_str()));
     else
       EXPECT_FALSE(valueExists(HKEY_CLASSES_ROOT, type.identifier, L"TileInfo"));
     EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, std::wstring(type.identifier) + L"\\DefaultIcon", nullptr),
               krTextValue(windows.imageresIcons ? type.icon : type.classicIcon));
     if (windows.propertySystem) {
-      EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, associationsKey(type), L"FullDetails"), krTextValue(kFullDetails));
-      EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, associationsKey(type), L"InfoTip"), krTextValue(kInfoTip));
-      EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, associationsKey(type), L"PreviewDetails"), krTextValue(kPreviewDetails));
-      EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, associationsKey(type), L"TileInfo"), krTextValue(kTileInfo));
+      EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, associationsKey(type), L"FullDetails"), krTextValue(kFullDetails.c_str()));
+      EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, associationsKey(type), L"InfoTip"), krTextValue(kInfoTip.c_str()));
+      EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, associationsKey(type), L"PreviewDetails"), krTextValue(kPreviewDetails.c_str()));
+      EXPECT_EQ(krReadValue(HKEY_CLASSES_ROOT, associationsKey(type), L"TileInfo"), krTextValue(kTileInfo.c_str()));
       EXPECT_EQ(krReadValue(HKEY_LOCAL_MACHINE, propertyHandlerKey(type), nullptr), krTextValue(kPropertyHandler));
     } else {
       EXPECT_FALSE(krKeyExists(HKEY_CLASSES_ROOT, associationsKey(type)));

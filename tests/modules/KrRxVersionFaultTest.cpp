@@ -7,22 +7,12 @@
 
 #include <windows.h>
 
-#include <string>
-#include <vector>
-
 #include "KrRxModuleTestSupport.h"
 #include "krdb20.h"
 
 using ::testing::ElementsAre;
 
 namespace {
-
-std::vector<std::wstring> takeHostMessages() {
-  std::vector<std::wstring> messages;
-  for (int i = 0; i < krdbTestMessageCount(); ++i) messages.push_back(krdbTestMessage(i));
-  krdbTestClearMessages();
-  return messages;
-}
 
 class VersionFaultTest : public ::testing::TestWithParam<bool> {
  protected:
@@ -38,7 +28,7 @@ class VersionFaultTest : public ::testing::TestWithParam<bool> {
 
 TEST_P(VersionFaultTest, RefusedWithMessageUnmappedAndTheNextModuleLoads) {
   EXPECT_FALSE(krrxLoadModule(L"faultver.krx", true, true));
-  EXPECT_THAT(takeHostMessages(),
+  EXPECT_THAT(krdbTestTakeMessages(),
               ElementsAre(L"krrxGetApiVersion faulted in faultver.krx\nIt must return a constant and read nothing "
                           L"imported: define it with KRRX_DEFINE_API_VERSION().\n",
                           L"Failed to load 'faultver.krx'\n"));

@@ -1,86 +1,99 @@
-// Template formatting and the property-path evaluator behind it.
+// Template formatting, with and without a host's format context, and the
+// property-path evaluator behind it.
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <string>
 
+#include "KrRfTestDoor.h"
 #include "KrRfTestSymbols.h"
 
 namespace {
 
-// A door with a frame (another door) reached through a pointer property.
-class Door : public KrRxObject {
-  KRRX_DECLARE_MEMBERS(Door);
-
- public:
-  double mWidth = 5.0;
-  double mInstalled = 2460082.0;  // 2023-05-17
-  double mSlope = 0.75;
-  double mShare = 0.125;
-  double mPrice = 1234.5;
-  int mCount = 3;
-  std::wstring mName = L"front";
-  Door* mpFrame = nullptr;
+// A length in metres: a number whose text form follows the host's number format.
+class Metres : public KrVtFloat64 {
+  KRRX_DECLARE_MEMBERS(Metres);
 };
-KRRX_CONS_DEFINE_MEMBERS(Door, KrRxObject)
+KRRX_CONS_DEFINE_MEMBERS(Metres, KrVtFloat64)
 
-const Door* door(const KrRxObject* object) { return static_cast<const Door*>(object); }
+// value with decimals in the C form, as a new text from malloc.
+wchar_t* cForm(double value, int decimals) {
+  wchar_t buffer[64];
+  swprintf(buffer, 64, L"%.*f", decimals, value);
+  return _wcsdup(buffer);
+}
 
-// Every value class of a double (dates, ratios, currency) keeps it in the same place.
-template <double Door::*field>
-Kesu::ErrorStatus readDouble(const KrRxObject* object, KrRxObject* value) {
-  static_cast<KrVtFloat64*>(value)->value() = door(object)->*field;
+// Writes decimals with a comma, as a host's locale may.
+class CommaFormat : public KrRxNumberFormat {
+ public:
+  Kesu::ErrorStatus formatDouble(double value, int decimals, wchar_t*& text) const override {
+    text = cForm(value, decimals);
+    if (wchar_t* point = wcschr(text, L'.')) *point = decimalSeparator();
+    return Kesu::eOk;
+  }
+  Kesu::ErrorStatus parseDouble(const wchar_t*, double&) const override { return Kesu::eNotSupported; }
+  Kesu::ErrorStatus formatInteger(__int64, wchar_t*&) const override { return Kesu::eNotSupported; }
+  Kesu::ErrorStatus parseInteger(const wchar_t*, __int64&) const override { return Kesu::eNotSupported; }
+  wchar_t decimalSeparator() const override { return L','; }
+  wchar_t groupSeparator() const override { return L'.'; }
+};
+
+class CommaContext : public KrRxFormatContext {
+ public:
+  KrRxNumberFormat* numberFormat() const override { return const_cast<CommaFormat*>(&mFormat); }
+
+ private:
+  CommaFormat mFormat;
+};
+
+// The host's formattable of Metres: two decimals in the context's number
+// format, in the C form without a context.
+class MetresFormattable : public KrRxFormattablePE {
+ public:
+  Kesu::ErrorStatus toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext* context) override {
+    const double value = KrVtFloat64::cast(object)->value();
+    if (context && context->numberFormat()) return context->numberFormat()->formatDouble(value, 2, text);
+    text = cForm(value, 2);
+    return Kesu::eOk;
+  }
+  Kesu::ErrorStatus fromText(KrRxObject*, const wchar_t*, const KrRxFormatContext*) override {
+    return Kesu::eNotSupported;
+  }
+};
+
+Kesu::ErrorStatus readLength(const KrRxObject* object, KrRxObject* value) {
+  KrVtFloat64::cast(value)->value() = static_cast<const TestDoor*>(object)->mWidth;
   return Kesu::eOk;
 }
-Kesu::ErrorStatus readCount(const KrRxObject* object, KrRxObject* value) {
-  *KrVtInt32::cast(value) = door(object)->mCount;
-  return Kesu::eOk;
-}
-Kesu::ErrorStatus readName(const KrRxObject* object, KrRxObject* value) {
-  *KrRxTextString::cast(value) = door(object)->mName.c_str();
-  return Kesu::eOk;
-}
-Kesu::ErrorStatus readFrame(const KrRxObject* object, KrRxObject* value) {
-  return KrRfPointer::cast(value)->setObject(door(object)->mpFrame, false);
-}
-Kesu::ErrorStatus readNothing(const KrRxObject*, KrRxObject*) { return Kesu::eOk; }
 
-// The properties of Door, added once for the whole test program.
+// The door, with a length in metres besides its own properties.
 class Described : public ::testing::Environment {
  public:
   void SetUp() override {
-    Door::rxInit();
+    describeTestDoor();
+    Metres::rxInit();
     krrxBuildClassHierarchy();
-    mProperties[0] = new TestProperty(L"width", KrVtFloat64::desc(), readDouble<&Door::mWidth>);
-    mProperties[1] = new TestProperty(L"count", KrVtInt32::desc(), readCount);
-    mProperties[2] = new TestProperty(L"name", KrRxTextString::desc(), readName);
-    mProperties[3] = new TestProperty(L"frame", KrRxObjectPointer::desc(), readFrame);
-    mProperties[4] = new TestProperty(L"unreadable", KrVtFloat64::desc());
-    mProperties[5] = new TestProperty(L"abstract", KrRfSymbol::desc(), readNothing);
-    mProperties[6] = new TestProperty(L"plain", Plant::desc(), readNothing);
-    mProperties[7] = new TestProperty(L"installed", KrVtDate::desc(), readDouble<&Door::mInstalled>);
-    mProperties[8] = new TestProperty(L"slope", KrVtRatio::desc(), readDouble<&Door::mSlope>);
-    mProperties[9] = new TestProperty(L"share", KrVtPercentage::desc(), readDouble<&Door::mShare>);
-    mProperties[10] = new TestProperty(L"price", KrVtCurrency::desc(), readDouble<&Door::mPrice>);
-    for (TestProperty* property : mProperties)
-      ASSERT_EQ(reflection()->reflectionPE(Door::desc(), true)->addSymbol(property), Kesu::eOk);
+    Metres::desc()->addX(KrRxFormattablePE::desc(), &mFormattable);
+    mpLength = new TestProperty(L"length", Metres::desc(), readLength);
+    ASSERT_EQ(krrfReflectionService()->reflectionPE(TestDoor::desc(), false)->addSymbol(mpLength), Kesu::eOk);
   }
   void TearDown() override {
-    for (TestProperty* property : mProperties) {
-      reflection()->reflectionPE(Door::desc(), false)->removeSymbol(property);
-      delete property;
-    }
+    krrfReflectionService()->reflectionPE(TestDoor::desc(), false)->removeSymbol(mpLength);
+    delete mpLength;
+    Metres::desc()->delX(KrRxFormattablePE::desc());
   }
 
  private:
-  TestProperty* mProperties[11];
+  MetresFormattable mFormattable;
+  TestProperty* mpLength = nullptr;
 };
 const auto* const kEnvironment = ::testing::AddGlobalTestEnvironment(new Described);
 
-std::wstring formatted(const wchar_t* text, const KrRxObject* object) {
+std::wstring formatted(const wchar_t* text, const KrRxObject* object, const KrRxFormatContext* context = nullptr) {
   wchar_t* result = nullptr;
-  EXPECT_EQ(krrfFormatString(text, object, result), Kesu::eOk);
+  EXPECT_EQ(context ? krrfFormatString(text, object, context, result) : krrfFormatString(text, object, result),
+            Kesu::eOk);
   std::wstring composed = result ? result : L"(null)";
   free(result);
   return composed;
@@ -96,7 +109,7 @@ std::wstring textOf(const KrRxObject& value) {
 }
 
 TEST(KrRfEvaluateString, ReadsAPropertyIntoANewValue) {
-  Door front;
+  TestDoor front;
   KrRxObject* value = nullptr;
   ASSERT_EQ(krrfEvaluateString(L"width", &front, value), Kesu::eOk);
   ASSERT_NE(KrVtFloat64::cast(value), nullptr);
@@ -105,7 +118,7 @@ TEST(KrRfEvaluateString, ReadsAPropertyIntoANewValue) {
 }
 
 TEST(KrRfEvaluateString, FailuresLeaveTheResultAlone) {
-  Door front;
+  TestDoor front;
   KrRxObject* untouched = &front;
   EXPECT_EQ(krrfEvaluateString(nullptr, &front, untouched), Kesu::eInvalidInput);
   EXPECT_EQ(krrfEvaluateString(L"width", nullptr, untouched), Kesu::eInvalidInput);
@@ -123,7 +136,7 @@ TEST(KrRfEvaluateString, FailuresLeaveTheResultAlone) {
 }
 
 TEST(KrRfEvaluateString, ADottedPathGoesOnThroughProxies) {
-  Door front, frame, outer;
+  TestDoor front, frame, outer;
   front.mpFrame = &frame;
   frame.mpFrame = &outer;
   frame.mWidth = 7.5;
@@ -138,7 +151,7 @@ TEST(KrRfEvaluateString, ADottedPathGoesOnThroughProxies) {
 }
 
 TEST(KrRfFormatString, FillsEveryPlaceholder) {
-  Door front;
+  TestDoor front;
   EXPECT_EQ(formatted(L"Width: %<width>%", &front), L"Width: " + textOf(KrVtFloat64(5.0)));
   EXPECT_EQ(formatted(L"%<count>% hinges", &front), L"3 hinges");
   EXPECT_EQ(formatted(L"%<name>% door, %<count>% hinges, %<width>% wide", &front),
@@ -149,7 +162,7 @@ TEST(KrRfFormatString, FillsEveryPlaceholder) {
 }
 
 TEST(KrRfFormatString, EveryKindOfValueIsWrittenByItsOwnFormattable) {
-  Door front;
+  TestDoor front;
   KrVtDate installed;
   ASSERT_EQ(installed.setDate(2023, 5, 17), Kesu::eOk);
   EXPECT_EQ(textOf(installed), L"2023-05-17");
@@ -160,28 +173,28 @@ TEST(KrRfFormatString, EveryKindOfValueIsWrittenByItsOwnFormattable) {
 }
 
 TEST(KrRfFormatString, PlaceholdersThatCannotBeFilledDisappear) {
-  Door front;
+  TestDoor front;
   EXPECT_EQ(formatted(L"[%<height>%] after", &front), L"[] after");
   EXPECT_EQ(formatted((L"[%<" + std::wstring(300, L'w') + L">%]%<name>%").c_str(), &front), L"[]front");
   EXPECT_EQ(formatted(L"[%<unreadable>%][%<plain>%][%<>%][%<frame.width>%]", &front), L"[][][][]");
 }
 
 TEST(KrRfFormatString, AnUnmatchedOpeningIsCopiedUnchanged) {
-  Door front;
+  TestDoor front;
   EXPECT_EQ(formatted(L"a %<name>% b %<width c", &front), L"a front b %<width c");
   EXPECT_EQ(formatted(L"%<width", &front), L"%<width");
   EXPECT_EQ(formatted(L"100 >% and %", &front), L"100 >% and %");
 }
 
 TEST(KrRfFormatString, ADottedPathReachesAnotherObject) {
-  Door front, frame;
+  TestDoor front, frame;
   front.mpFrame = &frame;
   frame.mName = L"oak";
   EXPECT_EQ(formatted(L"frame of %<frame.name>%", &front), L"frame of oak");
 }
 
 TEST(KrRfFormatString, TheComposedTextStopsAtTheLimit) {
-  Door front;
+  TestDoor front;
   std::wstring exact(kKrrfFormatLimit, L'x');
   EXPECT_EQ(formatted(exact.c_str(), &front), exact);
   std::wstring filled(kKrrfFormatLimit - 5, L'y');
@@ -190,8 +203,19 @@ TEST(KrRfFormatString, TheComposedTextStopsAtTheLimit) {
   EXPECT_EQ(formatted((exact + L"more").c_str(), &front), exact);
 }
 
+TEST(KrRfFormatString, TheContextReachesEveryFormattable) {
+  TestDoor front, frame;
+  front.mpFrame = &frame;
+  frame.mWidth = 0.75;
+  CommaContext comma;
+  EXPECT_EQ(formatted(L"%<length>% by %<frame.length>%", &front, &comma), L"5,00 by 0,75");
+  EXPECT_EQ(formatted(L"%<length>% by %<frame.length>%", &front), L"5.00 by 0.75");
+  // The library's own number forms do not ask the context.
+  EXPECT_EQ(formatted(L"%<width>%", &front, &comma), textOf(KrVtFloat64(5.0)));
+}
+
 TEST(KrRfFormatString, NullArgumentsAreRefused) {
-  Door front;
+  TestDoor front;
   wchar_t* result = nullptr;
   EXPECT_EQ(krrfFormatString(nullptr, &front, result), Kesu::eInvalidInput);
   EXPECT_EQ(krrfFormatString(L"x", nullptr, nullptr, result), Kesu::eInvalidInput);

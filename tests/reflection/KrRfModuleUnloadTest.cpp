@@ -28,15 +28,15 @@ std::wstring names(KrRfReflectionPE* pe) {
 
 TEST(KrRfModuleUnload, TheClassLeavesWithItsExtensionAndSymbols) {
   TestSymbol legs(L"legs");
-  KrRfReflectionPE* animal = reflection()->reflectionPE(Animal::desc(), true);
+  KrRfReflectionPE* animal = krrfReflectionService()->reflectionPE(Animal::desc(), true);
   ASSERT_EQ(animal->addSymbol(&legs), Kesu::eOk);
   Counter counter;
-  reflection()->addReactor(&counter);
+  krrfReflectionService()->addReactor(&counter);
 
   ASSERT_TRUE(krrxLoadModule(L"reflmod.krx", false, true));
   KrRxClass* moduleDog = krrxFindKrRxClass(L"ReflModuleDog");
   ASSERT_NE(moduleDog, nullptr);
-  KrRfReflectionPE* pe = reflection()->reflectionPE(moduleDog, false);
+  KrRfReflectionPE* pe = krrfReflectionService()->reflectionPE(moduleDog, false);
   ASSERT_NE(pe, nullptr);
   EXPECT_EQ(names(pe), L"legs bark wag ");
   auto liveSymbols = reinterpret_cast<int (*)()>(
@@ -51,7 +51,7 @@ TEST(KrRfModuleUnload, TheClassLeavesWithItsExtensionAndSymbols) {
   EXPECT_EQ(counter.mRemoved, 2);
   EXPECT_EQ(Dog::desc()->queryX(KrRfReflectionPE::desc()), animal);
   EXPECT_EQ(names(animal), L"legs ");
-  reflection()->removeReactor(&counter);
+  krrfReflectionService()->removeReactor(&counter);
   EXPECT_EQ(animal->removeSymbol(&legs), Kesu::eOk);
 }
 

@@ -1,7 +1,10 @@
-// Effective values: read through a property's derivation extension when the
-// value is derived, else straight from the property.
+// The extensions that describe a property, found on the property object as a
+// module's user finds them; effective values read through the derivation
+// extension when the value is derived, else straight from the property.
 
 #include <gtest/gtest.h>
+
+#include <cwchar>
 
 #include "KrRfTestSymbols.h"
 
@@ -64,6 +67,102 @@ class Registered : public ::testing::Environment {
   }
 };
 const auto* const kEnvironment = ::testing::AddGlobalTestEnvironment(new Registered);
+
+// A leg count is one of 2, 4, 6 and 8, between 0 (included) and 8 (excluded)
+// on a creature, and a gait lists between 1 and 4 steps: one object of each
+// extension, as a module would attach them.
+class LegChoices : public KrRfPropertyEnumPE {
+ public:
+  int count(const KrRfProperty*) const override { return 4; }
+  Kesu::ErrorStatus getValueAt(const KrRfProperty* p, int index, KrRxObject* value) const override {
+    if (index < 0 || index >= count(p)) return Kesu::eInvalidIndex;
+    *KrVtInt32::cast(value) = 2 * (index + 1);
+    return Kesu::eOk;
+  }
+  const wchar_t* displayNameAt(const KrRfProperty* p, int index) const override {
+    static const wchar_t* const kNames[] = {L"biped", L"quadruped", L"insect", L"spider"};
+    return index >= 0 && index < count(p) ? kNames[index] : nullptr;
+  }
+  bool isExclusive(const KrRfProperty*) const override { return true; }
+  int indexOf(const KrRfProperty* p, const KrRxObject* value) const override {
+    for (int index = 0; index < count(p); ++index)
+      if (KrVtInt32::cast(value)->value() == 2 * (index + 1)) return index;
+    return -1;
+  }
+};
+
+class LegLimits : public KrRfPropertyRangePE {
+ public:
+  bool getRange(const KrRfProperty*, const KrRxObject* object, const KrRfValue*& lower, bool& lowerInclusive,
+                const KrRfValue*& upper, bool& upperInclusive) const override {
+    if (!Dog::cast(object)) return false;
+    lower = &mLower;
+    upper = &mUpper;
+    lowerInclusive = true;
+    upperInclusive = false;
+    return true;
+  }
+  KrVtInt32 mLower{0}, mUpper{8};
+};
+
+class GaitLengths : public KrRfArrayPropertyDetailsPE {
+ public:
+  Kesu::ErrorStatus getLengthLimits(const KrRfProperty*, const KrRxObject*, int& minLength,
+                                    int& maxLength) const override {
+    minLength = 1;
+    maxLength = 4;
+    return Kesu::eOk;
+  }
+};
+
+TEST(KrRfPropertyExtensions, AttachedToThePropertyClassTheyAreFoundOnTheProperty) {
+  LegChoices choices;
+  LegLimits limits;
+  GaitLengths gait;
+  LegsProperty::desc()->addX(KrRfPropertyEnumPE::desc(), &choices);
+  LegsProperty::desc()->addX(KrRfPropertyRangePE::desc(), &limits);
+  LegsProperty::desc()->addX(KrRfArrayPropertyDetailsPE::desc(), &gait);
+  LegsProperty legs;
+  Creature spider;
+
+  auto* enumPE = KrRfPropertyEnumPE::cast(legs.queryX(KrRfPropertyEnumPE::desc()));
+  ASSERT_EQ(enumPE, &choices);
+  KrVtInt32 value;
+  EXPECT_EQ(enumPE->getValueAt(&legs, 3, &value), Kesu::eOk);
+  EXPECT_EQ(value.value(), 8);
+  EXPECT_STREQ(enumPE->displayNameAt(&legs, enumPE->indexOf(&legs, &value)), L"spider");
+  EXPECT_EQ(enumPE->getValueAt(&legs, 4, &value), Kesu::eInvalidIndex);
+
+  // The limits go straight into the range check of the value.
+  auto* rangePE = KrRfPropertyRangePE::cast(legs.queryX(KrRfPropertyRangePE::desc()));
+  ASSERT_EQ(rangePE, &limits);
+  const KrRfValue *lower = nullptr, *upper = nullptr;
+  bool lowerIn = false, upperIn = true;
+  ASSERT_TRUE(rangePE->getRange(&legs, &spider, lower, lowerIn, upper, upperIn));
+  auto* check = KrRfRangeCheckPE::cast(value.queryX(KrRfRangeCheckPE::desc()));
+  ASSERT_NE(check, nullptr);
+  EXPECT_FALSE(check->isInRange(&value, lower, lowerIn, upper, upperIn)) << "8 is the excluded upper limit";
+  value = 0;
+  EXPECT_TRUE(check->isInRange(&value, lower, lowerIn, upper, upperIn));
+  Plant fern;
+  EXPECT_FALSE(rangePE->getRange(&legs, &fern, lower, lowerIn, upper, upperIn));
+
+  auto* arrayPE = KrRfArrayPropertyDetailsPE::cast(legs.queryX(KrRfArrayPropertyDetailsPE::desc()));
+  ASSERT_EQ(arrayPE, &gait);
+  int minLength = 0, maxLength = 0;
+  EXPECT_EQ(arrayPE->getLengthLimits(&legs, &spider, minLength, maxLength), Kesu::eOk);
+  EXPECT_EQ(maxLength - minLength, 3);
+
+  // Another property class, and the object the property describes, carry none of them.
+  TestProperty other(L"other", nullptr);
+  for (KrRxClass* extension :
+       {KrRfPropertyEnumPE::desc(), KrRfPropertyRangePE::desc(), KrRfArrayPropertyDetailsPE::desc()}) {
+    EXPECT_EQ(other.queryX(extension), nullptr) << extension->name();
+    EXPECT_EQ(spider.queryX(extension), nullptr) << extension->name();
+    LegsProperty::desc()->delX(extension);
+  }
+  EXPECT_EQ(legs.queryX(KrRfPropertyEnumPE::desc()), nullptr);
+}
 
 TEST(KrRfGetEffectiveValueForObject, WithoutDerivationItIsTheValueRead) {
   LegsProperty legs;

@@ -95,7 +95,7 @@ class Provider : public KrRfReflectionProviderPR {
 };
 
 TEST(KrRfReflectionService, ProvidersSupplyTheSymbolsOfAClassOnRequest) {
-  KrRfReflectionService* service = reflection();
+  KrRfReflectionService* service = krrfReflectionService();
   EXPECT_EQ(service->requestReflectionPE(Plant::desc()), nullptr);
   TestSymbol leaves(L"leaves");
   Provider none(nullptr), some(&leaves), later(&leaves);

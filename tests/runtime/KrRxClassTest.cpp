@@ -6,6 +6,7 @@
 #include <string>
 
 #include "KrAbortTrap.h"
+#include "KrObjectOfClass.h"
 #include "kr1st.h"
 #include "runtime/KrRxImpClass.h"
 
@@ -18,16 +19,6 @@ class Greeter : public KrRxObject {
   KRRX_DECLARE_MEMBERS(Greeter);
 };
 KRRX_CONS_DEFINE_MEMBERS(Greeter, KrRxObject)
-
-// An extension object of whatever protocol class it is made for.
-class Extension : public KrRxObject {
- public:
-  explicit Extension(KrRxClass* protocolClass) : mpClass(protocolClass) {}
-  KrRxClass* isA() const override { return mpClass; }
-
- private:
-  KrRxClass* mpClass;
-};
 
 // A copyable class: clone works through its pseudo-constructor and copyFrom.
 class Point : public KrRxObject {
@@ -146,7 +137,7 @@ TEST(KrRxClassTest, ProtocolTablesAreSharedUntilAnOwnAttachment) {
   EXPECT_EQ(tableOf(b), tableOf(a));
   EXPECT_EQ(tableOf(c), tableOf(a));
 
-  Extension o(protocol), o2(protocol);
+  KrObjectOfClass o(protocol), o2(protocol);
   EXPECT_EQ(a->addX(protocol, &o), nullptr);
   int slot = protocol->impObj()->mProtocolIndex;
   EXPECT_GT(slot, 0) << "slot 0 is never given";
@@ -162,7 +153,7 @@ TEST(KrRxClassTest, ProtocolTablesAreSharedUntilAnOwnAttachment) {
   EXPECT_EQ(b->queryX(protocol), &o2);
   EXPECT_EQ(c->queryX(protocol), &o2);
 
-  Extension o3(protocol);
+  KrObjectOfClass o3(protocol);
   EXPECT_EQ(a->addX(protocol, &o3), &o) << "replacing returns the previous object";
   EXPECT_EQ(c->queryX(protocol), &o2) << "an own attachment below stops the descent";
 
@@ -179,7 +170,7 @@ TEST(KrRxClassTest, ObjectsFindProtocolObjectsThroughTheirClass) {
   Point point;
   EXPECT_EQ(point.queryX(protocol), nullptr) << "never used as a protocol: null, no report";
   EXPECT_EQ(point.queryX(nullptr), nullptr);
-  Extension extension(protocol);
+  KrObjectOfClass extension(protocol);
   KrRxObject::desc()->addX(protocol, &extension);
   EXPECT_EQ(point.queryX(protocol), &extension) << "inherited from the root";
   EXPECT_EQ(point.x(protocol), &extension);
@@ -199,7 +190,7 @@ TEST(KrRxClassTest, DetachingFromAClassWithoutSlotGivesNoSlot) {
 
 TEST(KrRxClassTest, SlotsOfDeletedProtocolClassesAreReused) {
   KrRxClass* doomed = makeClass(unique(L"Doomed"), L"Greeter");
-  Extension extension(doomed);
+  KrObjectOfClass extension(doomed);
   KrRxClass* host = makeClass(unique(L"Host"));
   host->addX(doomed, &extension);
   host->delX(doomed);
@@ -209,7 +200,7 @@ TEST(KrRxClassTest, SlotsOfDeletedProtocolClassesAreReused) {
   EXPECT_EQ(KrRxImpClass::protocolClasses.data[slot], nullptr);
 
   KrRxClass* successor = makeClass(unique(L"Successor"), L"Greeter");
-  Extension successorExtension(successor);
+  KrObjectOfClass successorExtension(successor);
   host->addX(successor, &successorExtension);
   EXPECT_EQ(successor->impObj()->mProtocolIndex, slot);
   host->delX(successor);
@@ -221,7 +212,7 @@ TEST(KrRxClassTest, ReplacementKeepsTheSubtreeAndItsExtensions) {
   KrRxClass* child = makeClass(unique(L"Kept"), name.c_str());
   KrRxClass* protocol = makeClass(unique(L"KeptProtocol"), L"Greeter");
   KrRxClass* otherProtocol = makeClass(unique(L"ChildProtocol"), L"Greeter");
-  Extension onOriginal(protocol), onChild(otherProtocol);
+  KrObjectOfClass onOriginal(protocol), onChild(otherProtocol);
   original->addX(protocol, &onOriginal);
   child->addX(otherProtocol, &onChild);
 
@@ -272,7 +263,7 @@ TEST(KrRxClassTest, CloneCopiesThroughThePseudoConstructor) {
 TEST(KrRxClassTest, ProtocolMisuseIsReportedVerbatim) {
   KrRxClass* protocol = makeClass(unique(L"Strict"), L"Greeter");
   KrRxClass* nullClass = nullptr;
-  Extension greeter(protocol);
+  KrObjectOfClass greeter(protocol);
   Point wrongKind;
   EXPECT_EQ(krAbortMessageOf([&] { nullClass->addX(protocol, &greeter); }),
             L"KrRxClass::addX() called on a nullptr instance.\n");

@@ -1,5 +1,6 @@
 // Dictionaries: ids, keys, ownership, the required class, both iteration
-// orders, and the key index shared by key-order iterators across threads.
+// orders, reclaiming the free tail, and the key index shared by key-order
+// iterators across threads.
 
 #include <gtest/gtest.h>
 
@@ -190,6 +191,12 @@ TEST_P(KrRxDictionaryTest, IgnoringCaseKeepsTheFirstForm) {
   EXPECT_FALSE(dictionary.resetKey(L"abd", L"aBB"));
   EXPECT_EQ(dictionary.remove(L"ABD"), &c);
 
+  // Case is ignored past equal non-ASCII units too.
+  dictionary.atPut(L"Z\u00fcrich", &a, first);
+  EXPECT_EQ(dictionary.idAt(L"z\u00fcRICH"), first);
+  EXPECT_EQ(dictionary.idAt(L"z\u00fcRICHx"), 0u);
+  EXPECT_EQ(dictionary.remove(L"Z\u00fcrIch"), &a);
+
   // The order agrees with the C runtime's, punctuation and non-ASCII included.
   KrRxImpDictionary mixed(0, false, sorted(), true);
   Keys keys{L"b_", L"B[", L"ba", L"BZ", L"b\u00e4", L"B\u00c4x", L"b", L"B\u0101"};
@@ -242,6 +249,34 @@ TEST_P(KrRxDictionaryTest, RemoveAllStartsTheIdsAgain) {
   dictionary.atPut(L"a", &c);
   EXPECT_EQ(dictionary.at(L"a"), &c);
   EXPECT_EQ(walk(dictionary, KrRx::kDictByKey), (Keys{L"a", L"b"}));
+}
+
+// Reclaiming the free tail (what the loaded-module table does so that load
+// and unload cycles do not grow it) gives only the ids after the last entry again.
+TEST_P(KrRxDictionaryTest, ReclaimingTheFreeTailReusesOnlyIdsAfterTheLastEntry) {
+  KrRxImpDictionary dictionary(0, false, sorted(), true);
+  unsigned int one, two, three, id;
+  dictionary.atPut(L"a", &a, one);
+  dictionary.atPut(L"b", &a, two);
+  dictionary.atPut(L"c", &a, three);
+  dictionary.remove(L"b");
+  dictionary.remove(L"c");
+  dictionary.reclaimFreeTail();
+  dictionary.atPut(L"d", &a, id);
+  EXPECT_EQ(id, two) << "the free tail is used again, from its start";
+  EXPECT_FALSE(dictionary.has(three));
+  EXPECT_EQ(dictionary.idAt(L"D"), id);
+
+  dictionary.remove(L"a");
+  dictionary.reclaimFreeTail();
+  dictionary.atPut(L"e", &a, id);
+  EXPECT_EQ(id, two + 1) << "a free position before a live entry stays free";
+  dictionary.remove(L"d");
+  dictionary.remove(L"e");
+  dictionary.reclaimFreeTail();
+  dictionary.atPut(L"f", &a, id);
+  EXPECT_EQ(id, 1u) << "an empty table starts again at 1";
+  EXPECT_EQ(dictionary.numEntries(), 1u);
 }
 
 TEST_P(KrRxDictionaryTest, ManyEntriesStayFindable) {

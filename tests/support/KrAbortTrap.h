@@ -1,5 +1,5 @@
 #pragma once
-// Test support for the runtime's fatal reports. kr1st20.dll reports a broken
+// Test support for the runtime's fatal reports and thrown errors. kr1st20.dll reports a broken
 // invariant with MessageBoxW and then ends the process with TerminateProcess;
 // these helpers redirect the library's own imports of both functions so
 // that a test can read the report.
@@ -20,6 +20,18 @@ std::wstring krMessageBoxOf(const std::function<void()>& body, std::wstring* cap
 // For death tests: from now on every message box of the library is echoed to
 // stderr as UTF-8 and the process still ends as the library decides.
 void krEchoMessageBoxesToStderr();
+
+// The what() of the Error that body threw, or "(nothing thrown)"; any other
+// exception passes on.
+template <typename Error, typename Body>
+std::string krThrownText(Body body) {
+  try {
+    body();
+  } catch (const Error& error) {
+    return error.what();
+  }
+  return "(nothing thrown)";
+}
 
 // Narrows a wide text to UTF-8 for test messages and matchers.
 std::string krUtf8(const std::wstring& text);

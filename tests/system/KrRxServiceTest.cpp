@@ -84,20 +84,12 @@ TEST_F(ThisModule, ServicesOwnedByNoModuleCountSilently) {
 
 TEST(KrRxServiceTest, CounterMisuseThrowsTheStandardErrors) {
   KrRxService service;
-  try {
-    service.removeDependency();
-    FAIL() << "no underflow reported";
-  } catch (const std::underflow_error& e) {
-    EXPECT_STREQ(e.what(), "KrRxService dependency counter underflowed");
-  }
+  EXPECT_EQ(krThrownText<std::underflow_error>([&] { service.removeDependency(); }),
+            "KrRxService dependency counter underflowed");
   EXPECT_TRUE(service.unloadable()) << "the count stays 0";
   setDependencyCount(&service, UINT32_MAX);
-  try {
-    service.addDependency();
-    FAIL() << "no overflow reported";
-  } catch (const std::overflow_error& e) {
-    EXPECT_STREQ(e.what(), "KrRxService dependency counter overflowed");
-  }
+  EXPECT_EQ(krThrownText<std::overflow_error>([&] { service.addDependency(); }),
+            "KrRxService dependency counter overflowed");
   setDependencyCount(&service, 0);
 }
 

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "values/KrVtDayValue.h"
 
@@ -56,14 +58,6 @@ Ymd dateOf(double v) {
   EXPECT_EQ(getDate(v, y, m, d), Kesu::eOk);
   return {y, m, d};
 }
-
-#define EXPECT_YMD(v, y, m, d)          \
-  do {                                  \
-    Ymd got = dateOf(v);                \
-    EXPECT_EQ(got.year, y);             \
-    EXPECT_EQ(got.month, m);            \
-    EXPECT_EQ(got.day, d);              \
-  } while (0)
 
 double dayOf(short y, short m, short d, double start = 0.0) {
   double v = start;
@@ -194,29 +188,24 @@ TEST(KrVtDayValue, SecondsSince1970AreUniversal) {
   EXPECT_EQ(toSeconds(unset()), INT64_MIN);
 }
 
+// A struct tm as "year-month-day hour:minute:second", then with kind
+// "weekday yearday dst".
+std::string fieldsOf(const tm& t, bool withKind = true) {
+  char text[80];
+  int length = snprintf(text, sizeof text, "%d-%d-%d %d:%d:%d", t.tm_year, t.tm_mon, t.tm_mday, t.tm_hour, t.tm_min,
+                        t.tm_sec);
+  if (withKind) snprintf(text + length, sizeof text - length, " %d %d %d", t.tm_wday, t.tm_yday, t.tm_isdst);
+  return text;
+}
+
 TEST(KrVtDayValue, StructTmTakesTheValueApart) {
   double friday = 2460385.0;  // 2024-03-15
   ASSERT_EQ(setTime(friday, 12, 34, 56, 0), Kesu::eOk);
-  tm t = toTm(friday);
-  EXPECT_EQ(t.tm_year, 124);
-  EXPECT_EQ(t.tm_mon, 2);
-  EXPECT_EQ(t.tm_mday, 15);
-  EXPECT_EQ(t.tm_hour, 12);
-  EXPECT_EQ(t.tm_min, 34);
-  EXPECT_EQ(t.tm_sec, 56);
-  EXPECT_EQ(t.tm_wday, 4);  // counted from Monday
-  EXPECT_EQ(t.tm_yday, 0);
-  EXPECT_EQ(t.tm_isdst, 1);
-  tm u = toTm(-friday);
-  EXPECT_EQ(u.tm_wday, -4);
-  EXPECT_EQ(u.tm_isdst, 0);
-  EXPECT_EQ(u.tm_mday, 15);
+  // Weekdays are counted from Monday, negative for universal values; the year day stays 0.
+  EXPECT_EQ(fieldsOf(toTm(friday)), "124-2-15 12:34:56 4 0 1");
+  EXPECT_EQ(fieldsOf(toTm(-friday)), "124-2-15 12:34:56 -4 0 0");
   EXPECT_EQ(toTm(2460388.0).tm_wday, 0);  // a Monday
-  tm none = toTm(unset());
-  EXPECT_EQ(none.tm_mday, 0);
-  EXPECT_EQ(none.tm_mon, -1);
-  EXPECT_EQ(none.tm_year, -1900);
-  EXPECT_EQ(none.tm_hour + none.tm_min + none.tm_sec, 0);
+  EXPECT_EQ(fieldsOf(toTm(unset()), false), "-1900--1-0 0:0:0");
 }
 
 TEST(KrVtDayValue, FromStructTmStaysUnsetAndFlipsTheSignForStandardTime) {

@@ -37,25 +37,27 @@ double readOk(Reader read, const wchar_t* text, double start = 0.0) {
   return v;
 }
 
-TEST(KrVtDaytimeText, WritesDatesWithTheZoneMark) {
-  EXPECT_EQ(written(dateToText, at(2023, 5, 17, 0, 0, 0, 0, true)), L"2023-05-17Z");
-  EXPECT_EQ(written(dateToText, at(2023, 5, 17, 13)), L"2023-05-17");
-  EXPECT_EQ(written(dateToText, at(0, 1, 1)), L"0000-01-01");
-  EXPECT_EQ(written(dateToText, at(-4713, 11, 24)), L"-4713-11-24");
-}
-
-TEST(KrVtDaytimeText, WritesTimesToTheirLastNonZeroPart) {
-  EXPECT_EQ(written(timeToText, at(2023, 5, 17, 8, 30)), L"08:30");
-  EXPECT_EQ(written(timeToText, at(2023, 5, 17, 8, 30, 5)), L"08:30:05");
-  EXPECT_EQ(written(timeToText, at(2023, 5, 17, 8, 30, 5, 250, true)), L"08:30:05.250Z");
-  EXPECT_EQ(written(timeToText, at(2023, 5, 17, 8, 30, 0, 0, true)), L"08:30Z");
-  EXPECT_EQ(written(timeToText, at(2023, 5, 17, 8, 30, 0, 7)), L"08:30:00.007");
-  EXPECT_EQ(written(timeToText, 2460385.0 + (86400000.0 - 0.2) / 86400000.0), L"24:00");
-}
-
-TEST(KrVtDaytimeText, WritesDateTimesAlwaysWithZ) {
-  EXPECT_EQ(written(dateTimeToText, at(2024, 2, 29, 23, 59, 58, 999)), L"2024-02-29T23:59:58.999Z");
-  EXPECT_EQ(written(dateTimeToText, at(2024, 2, 29, 1, 2, 3, 4, true)), L"2024-02-29T01:02:03.004Z");
+// Dates with the zone mark, times to their last non-zero part, date-times always with Z.
+TEST(KrVtDaytimeText, WritesEachFormToItsRules) {
+  const struct {
+    Writer write;
+    double value;
+    const wchar_t* text;
+  } kTexts[] = {
+      {dateToText, at(2023, 5, 17, 0, 0, 0, 0, true), L"2023-05-17Z"},
+      {dateToText, at(2023, 5, 17, 13), L"2023-05-17"},
+      {dateToText, at(0, 1, 1), L"0000-01-01"},
+      {dateToText, at(-4713, 11, 24), L"-4713-11-24"},
+      {timeToText, at(2023, 5, 17, 8, 30), L"08:30"},
+      {timeToText, at(2023, 5, 17, 8, 30, 5), L"08:30:05"},
+      {timeToText, at(2023, 5, 17, 8, 30, 5, 250, true), L"08:30:05.250Z"},
+      {timeToText, at(2023, 5, 17, 8, 30, 0, 0, true), L"08:30Z"},
+      {timeToText, at(2023, 5, 17, 8, 30, 0, 7), L"08:30:00.007"},
+      {timeToText, 2460385.0 + (86400000.0 - 0.2) / 86400000.0, L"24:00"},
+      {dateTimeToText, at(2024, 2, 29, 23, 59, 58, 999), L"2024-02-29T23:59:58.999Z"},
+      {dateTimeToText, at(2024, 2, 29, 1, 2, 3, 4, true), L"2024-02-29T01:02:03.004Z"},
+  };
+  for (const auto& row : kTexts) EXPECT_EQ(written(row.write, row.value), row.text);
 }
 
 TEST(KrVtDaytimeText, UnsetAndOpenEndHaveTheirOwnTexts) {
@@ -82,57 +84,60 @@ TEST(KrVtDaytimeText, ReadsDatesWithAnySeparatorFromSpaceToSlash) {
   EXPECT_EQ(readOk(dateFromText, L"2023-05-17", -5.75), may17);
 }
 
-TEST(KrVtDaytimeText, ReadsPartialDatesAndTheZoneMark) {
-  EXPECT_EQ(readOk(dateFromText, L"2023"), at(2023, 1, 1));
-  EXPECT_EQ(readOk(dateFromText, L"2023-05Z"), at(2023, 5, 1, 0, 0, 0, 0, true));
-  EXPECT_EQ(readOk(dateFromText, L"2023z"), at(2023, 1, 1, 0, 0, 0, 0, true));
-  EXPECT_EQ(readOk(dateFromText, L"2023-05-17z"), at(2023, 5, 17, 0, 0, 0, 0, true));
-  EXPECT_EQ(readOk(dateFromText, L"2023-05-17Zulu"), at(2023, 5, 17, 0, 0, 0, 0, true));
-  double v = 7.0;
-  EXPECT_EQ(dateFromText(v, L"2023-02-29"), Kesu::eInvalidInput);
-  EXPECT_EQ(dateFromText(v, L"2023-"), Kesu::eInvalidInput);  // a month announced but missing
-  EXPECT_EQ(v, 7.0);
-}
-
-TEST(KrVtDaytimeText, ReadsTimeFractionsByTheirValue) {
-  EXPECT_EQ(readOk(timeFromText, L"12:30:15.5"), at(-4713, 11, 24, 12, 30, 15, 500));
-  EXPECT_EQ(readOk(timeFromText, L"12:30:15.25"), at(-4713, 11, 24, 12, 30, 15, 250));
-  EXPECT_EQ(readOk(timeFromText, L"12:30:15.125"), at(-4713, 11, 24, 12, 30, 15, 125));
-  EXPECT_EQ(readOk(timeFromText, L"12:30:15.1234"), at(-4713, 11, 24, 12, 30, 15, 0));
-  // Leading zeros are lost: 05 counts as 5.
-  EXPECT_EQ(readOk(timeFromText, L"12:30:15.05"), at(-4713, 11, 24, 12, 30, 15, 500));
-  for (const wchar_t* text : {L"12 30 15,5", L"12:30:15'5", L"12:30:15.5"})
-    EXPECT_EQ(std::fabs(readOk(timeFromText, text)), at(-4713, 11, 24, 12, 30, 15, 500)) << text;
-}
-
-TEST(KrVtDaytimeText, ReadsTheZoneMarkAfterTheLastNumberKept) {
-  double universal = -at(-4713, 11, 24, 8, 30);
-  EXPECT_EQ(readOk(timeFromText, L"08:30Z"), universal);
-  EXPECT_EQ(readOk(timeFromText, L"08:30z"), universal);
-  EXPECT_EQ(readOk(timeFromText, L"08:30"), -universal);
-  // A Z as a separator ends the numbers: what follows it is dropped.
-  EXPECT_EQ(readOk(timeFromText, L"08:30Z15"), universal);
-  EXPECT_EQ(readOk(timeFromText, L"08Z30"), -at(-4713, 11, 24, 8));
-  EXPECT_EQ(readOk(timeFromText, L"12:30:15Z5"), -at(-4713, 11, 24, 12, 30, 15));
-  EXPECT_EQ(readOk(timeFromText, L"12:30:15.5Z"), -at(-4713, 11, 24, 12, 30, 15, 500));
-  double v = 1.0;
-  EXPECT_EQ(timeFromText(v, L"24:00"), Kesu::eInvalidInput);
-  EXPECT_EQ(timeFromText(v, L"12:60"), Kesu::eInvalidInput);
-  EXPECT_EQ(v, 1.0);
-}
-
-TEST(KrVtDaytimeText, DateTimesKeepTheTargetsZone) {
-  double model = at(2023, 5, 17, 8, 30, 5, 250);
-  EXPECT_EQ(readOk(dateTimeFromText, L"2023-05-17T08:30:05.250Z", 1.0), model);
-  EXPECT_EQ(readOk(dateTimeFromText, L"2023-05-17T08:30:05.250Z", -1.0), -model);
-  EXPECT_EQ(readOk(dateTimeFromText, L"2023-05-17T08:30:05.250", -1.0), -model);
+// Each text read into a target that held start.
+TEST(KrVtDaytimeText, ReadsPartialTextsFractionsAndTheZoneMark) {
+  const double noon = at(-4713, 11, 24, 12, 30, 15, 500), model = at(2023, 5, 17, 8, 30, 5, 250);
+  const double universal = -at(-4713, 11, 24, 8, 30);
+  const struct {
+    Reader read;
+    const wchar_t* text;
+    double start;
+    double value;
+  } kReadings[] = {
+      // Partial dates, and the zone mark after them.
+      {dateFromText, L"2023", 0, at(2023, 1, 1)},
+      {dateFromText, L"2023-05Z", 0, at(2023, 5, 1, 0, 0, 0, 0, true)},
+      {dateFromText, L"2023z", 0, at(2023, 1, 1, 0, 0, 0, 0, true)},
+      {dateFromText, L"2023-05-17z", 0, at(2023, 5, 17, 0, 0, 0, 0, true)},
+      {dateFromText, L"2023-05-17Zulu", 0, at(2023, 5, 17, 0, 0, 0, 0, true)},
+      // Fractions by their value: leading zeros are lost, 05 counts as 5.
+      {timeFromText, L"12:30:15.5", 0, noon},
+      {timeFromText, L"12:30:15.25", 0, at(-4713, 11, 24, 12, 30, 15, 250)},
+      {timeFromText, L"12:30:15.125", 0, at(-4713, 11, 24, 12, 30, 15, 125)},
+      {timeFromText, L"12:30:15.1234", 0, at(-4713, 11, 24, 12, 30, 15, 0)},
+      {timeFromText, L"12:30:15.05", 0, noon},
+      {timeFromText, L"12 30 15,5", 0, noon},
+      {timeFromText, L"12:30:15'5", 0, noon},
+      // The zone mark after the last number kept; a Z as a separator ends the numbers.
+      {timeFromText, L"08:30Z", 0, universal},
+      {timeFromText, L"08:30z", 0, universal},
+      {timeFromText, L"08:30", 0, -universal},
+      {timeFromText, L"08:30Z15", 0, universal},
+      {timeFromText, L"08Z30", 0, -at(-4713, 11, 24, 8)},
+      {timeFromText, L"12:30:15Z5", 0, -at(-4713, 11, 24, 12, 30, 15)},
+      {timeFromText, L"12:30:15.5Z", 0, -noon},
+      // Date-times keep the target's zone.
+      {dateTimeFromText, L"2023-05-17T08:30:05.250Z", 1.0, model},
+      {dateTimeFromText, L"2023-05-17T08:30:05.250Z", -1.0, -model},
+      {dateTimeFromText, L"2023-05-17T08:30:05.250", -1.0, -model},
+      {dateTimeFromText, L"2023", 0, at(2023, 1, 1)},
+      {dateTimeFromText, L"2023-07", 0, at(2023, 7, 1)},
+      {dateTimeFromText, L"2023-07-04T09", 0, at(2023, 7, 4, 9)},
+  };
+  for (const auto& row : kReadings) EXPECT_EQ(readOk(row.read, row.text, row.start), row.value) << row.text;
   EXPECT_TRUE(KrVtDay::isUnset(readOk(dateTimeFromText, L"2023-05-17T08:30:05.250Z", KrVtDay::unset())));
-  EXPECT_EQ(readOk(dateTimeFromText, L"2023"), at(2023, 1, 1));
-  EXPECT_EQ(readOk(dateTimeFromText, L"2023-07"), at(2023, 7, 1));
-  EXPECT_EQ(readOk(dateTimeFromText, L"2023-07-04T09"), at(2023, 7, 4, 9));
-  double v = 3.0;
-  EXPECT_EQ(dateTimeFromText(v, L"2023-07-04T25:00"), Kesu::eInvalidInput);
-  EXPECT_EQ(v, 3.0);
+
+  // Refused texts leave the target alone.
+  const struct {
+    Reader read;
+    const wchar_t* text;
+  } kRefused[] = {{dateFromText, L"2023-02-29"}, {dateFromText, L"2023-"}, {timeFromText, L"24:00"},
+                  {timeFromText, L"12:60"}, {dateTimeFromText, L"2023-07-04T25:00"}};
+  for (const auto& row : kRefused) {
+    double v = 7.0;
+    EXPECT_EQ(row.read(v, row.text), Kesu::eInvalidInput) << row.text;
+    EXPECT_EQ(v, 7.0) << row.text;
+  }
 }
 
 TEST(KrVtDaytimeText, RoundTripsAcrossTheCalendar) {

@@ -72,35 +72,29 @@ TEST(KrVtNumberFormattableTest, AnIntegerFormattableRefusesAnotherKind) {
   EXPECT_EQ(other.value(), 7);
 }
 
-TEST(KrVtNumberFormattableTest, Float64WritesThreeDecimalsOrTheExponentForm) {
-  KrVtFloat64 number(1234.5);
-  EXPECT_EQ(krvtTextOf(&number), L"1234.500");
-  number = -0.0004;
-  EXPECT_EQ(krvtTextOf(&number), L"-0.000");
-  number = 9999999999.0;
-  EXPECT_EQ(krvtTextOf(&number), L"9999999999.000");
-  number = 12345678901.0;
-  EXPECT_EQ(krvtTextOf(&number), L"1.235E+10");
-  number = -1e10;
-  EXPECT_EQ(krvtTextOf(&number), L"-1.000E+10");
-}
+// Three decimals, the exponent form from 1e10 on, and the special texts.
+TEST(KrVtNumberFormattableTest, Float64Texts) {
+  const double kInfinity = std::numeric_limits<double>::infinity();
+  const struct {
+    double value;
+    const wchar_t* text;
+  } kForms[] = {{1234.5, L"1234.500"},         {-0.0004, L"-0.000"},     {9999999999.0, L"9999999999.000"},
+                {12345678901.0, L"1.235E+10"}, {-1e10, L"-1.000E+10"},   {std::nan(""), L"*"},
+                {kInfinity, L"\u221E"},          {-kInfinity, L"-\u221E"}};
+  for (const auto& row : kForms) {
+    KrVtFloat64 number(row.value);
+    EXPECT_EQ(krvtTextOf(&number), row.text);
+  }
 
-TEST(KrVtNumberFormattableTest, Float64SpecialTexts) {
-  KrVtFloat64 number(std::nan(""));
-  EXPECT_EQ(krvtTextOf(&number), L"*");
-  number = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(krvtTextOf(&number), L"\u221E");
-  number = -std::numeric_limits<double>::infinity();
-  EXPECT_EQ(krvtTextOf(&number), L"-\u221E");
-
+  KrVtFloat64 number;
   EXPECT_EQ(krrxParseObject(&number, L"*", nullptr), Kesu::eOk);
   uint64_t bits;
   memcpy(&bits, &number.value(), sizeof bits);
   EXPECT_EQ(bits, 0xFFF8000000000000ULL);
   EXPECT_EQ(krrxParseObject(&number, L"\u221E", nullptr), Kesu::eOk);
-  EXPECT_EQ(number.value(), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(number.value(), kInfinity);
   EXPECT_EQ(krrxParseObject(&number, L"-\u221E", nullptr), Kesu::eOk);
-  EXPECT_EQ(number.value(), -std::numeric_limits<double>::infinity());
+  EXPECT_EQ(number.value(), -kInfinity);
 }
 
 TEST(KrVtNumberFormattableTest, Float64Reading) {

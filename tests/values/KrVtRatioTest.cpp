@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "KrAbortTrap.h"
 #include "values/KrVtFraction.h"
 
 namespace {
@@ -30,12 +31,7 @@ Fraction fractionOf(double v) {
 }
 
 std::string overflowTextOf(double v) {
-  try {
-    fractionOf(v);
-  } catch (const std::overflow_error& e) {
-    return e.what();
-  }
-  return "no overflow";
+  return krThrownText<std::overflow_error>([v] { fractionOf(v); });
 }
 
 // The best approximation of v with a denominator of at most 1,000,000,

@@ -1,5 +1,5 @@
-// The value-type classes as start-up leaves them: the tree, the
-// pseudo-constructors and the extensions attached.
+// The value-type classes as start-up leaves them: the pseudo-constructors
+// and the extensions attached.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,33 +10,6 @@
 #include "kr1st.h"
 
 namespace {
-
-const wchar_t* parentNameOf(const wchar_t* name) {
-  KrRxClass* cls = krrxFindKrRxClass(name);
-  return cls && cls->myParent() ? cls->myParent()->name() : L"(none)";
-}
-
-TEST(KrVtValueClassesTest, EveryValueClassHangsUnderItsParent) {
-  const wchar_t* const tree[][2] = {
-      {L"KrRfValue", L"KrRxObject"},          {L"KrRfNumber", L"KrRfValue"},
-      {L"KrVtBool", L"KrRfValue"},            {L"KrVtChar", L"KrRfValue"},
-      {L"KrVtInt8", L"KrRfNumber"},           {L"KrVtUInt64", L"KrRfNumber"},
-      {L"KrVtFloat32", L"KrRfNumber"},        {L"KrVtFloat64", L"KrRfNumber"},
-      {L"KrVtRatio", L"KrVtFloat64"},         {L"KrVtDaytime", L"KrVtFloat64"},
-      {L"KrVtDateTime", L"KrVtDaytime"},      {L"KrVtDate", L"KrVtDaytime"},
-      {L"KrVtTime", L"KrVtDaytime"},          {L"KrVtPercentage", L"KrVtRatio"},
-      {L"KrVtPermille", L"KrVtRatio"},        {L"KrVtCurrency", L"KrVtFloat64"},
-      {L"KrVtFloat64Array", L"KrRfArray"},    {L"KrVtPercentageArray", L"KrVtFloat64Array"},
-      {L"KrVtCurrencyArray", L"KrVtFloat64Array"}, {L"KrVtDateTimeArray", L"KrVtFloat64Array"},
-      {L"KrRfArray", L"KrRxObject"},          {L"KrRfRangeCheckPE", L"KrRxObject"},
-      {L"KrRfProxy", L"KrRxObject"},          {L"KrRfPointer", L"KrRfProxy"},
-      {L"KrRfReference", L"KrRfProxy"},       {L"KrRxObjectPointer", L"KrRfPointer"},
-      {L"KrRxClassPointer", L"KrRxObjectPointer"}, {L"KrRfValuePointer", L"KrRfPointer"},
-      {L"KrRxFormattablePE", L"KrRxObject"},  {L"KrRxFormatContext", L"KrRxObject"},
-      {L"KrRxNumberFormat", L"KrRxObject"},   {L"KrRxNumberFormat2", L"KrRxNumberFormat"},
-  };
-  for (const auto& entry : tree) EXPECT_STREQ(parentNameOf(entry[0]), entry[1]) << krUtf8(entry[0]);
-}
 
 TEST(KrVtValueClassesTest, TheConcreteClassesMakeDefaultInstances) {
   for (const wchar_t* name : {L"KrVtInt16", L"KrVtChar", L"KrVtFloat64Array", L"KrRfValuePointer"}) {
