@@ -1,6 +1,7 @@
 #pragma once
 // String-keyed dictionaries of runtime objects. Every entry gets an id that
-// stays fixed for the entry's life; ids of removed entries are not reused.
+// stays fixed for the entry's life; new entries never take the id of a
+// removed one, except in the system's shared dictionaries (krrxsystem.h).
 
 #include "krrxobject.h"
 

@@ -1,6 +1,11 @@
 #pragma once
 // The running system: the system registry, the class dictionary and the
 // kernel, brought up when the library is loaded and taken down at unload.
+//
+// So that modules can be loaded and unloaded any number of times without
+// growing them, the system registry, the class dictionary and the service
+// dictionary give the ids freed at their end to new entries once the module
+// that freed them is gone: keep an id of theirs only while its entry lives.
 
 #include "krexport.h"
 

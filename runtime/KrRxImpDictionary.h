@@ -49,7 +49,8 @@ class KR1ST_API KrRxImpDictionary : public KrRxDictionary {
   void removeAll();
   // Forgets the free positions after the last entry, so that the next atPut
   // reuses their ids and the table does not grow. Only for tables whose
-  // callers keep no ids of removed entries (the loaded-module table).
+  // callers keep no ids of removed entries (the loaded-module table and the
+  // system's shared dictionaries).
   void reclaimFreeTail();
 
   // The sort state: -1 permanently sorted; 0 no key index; 1 an index is
