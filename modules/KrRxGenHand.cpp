@@ -22,7 +22,6 @@
 #include "runtime/KrRxGrowArray.h"
 #include "runtime/KrRxImpClass.h"
 #include "system/KrRxServiceDictionary.h"
-#include "system/KrRxSystemDictionaries.h"
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxGenHand, KrRxGenVoid)
 
@@ -143,9 +142,6 @@ KrRxGenHand::~KrRxGenHand() {
   delete mpDependencies;
   delete mpAppData;
   releaseVersionInfo();
-  // The record goes when its module has gone (or never came): whatever the
-  // module took out of the system's dictionaries leaves no trace there.
-  krrxReclaimSystemDictionaryIds();
 }
 
 void KrRxGenHand::releaseVersionInfo() {

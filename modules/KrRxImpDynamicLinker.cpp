@@ -30,6 +30,7 @@
 #include "runtime/KrRxImpDictionary.h"
 #include "runtime/KrRxImpSet.h"
 #include "system/KrRxServiceDictionary.h"
+#include "system/KrRxSystemDictionaries.h"
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxImpDynamicLinker, KrRxDynamicLinker)
 
@@ -388,10 +389,12 @@ bool KrRxImpDynamicLinker::initialiseModule(KrRxGenHand* module, const wchar_t* 
 }
 
 // Loading and unloading the same modules over and over must not grow the
-// table, so the ids of entries removed from its end are used again.
+// table, nor the system's dictionaries that the module added to and took
+// out of again: the ids of entries removed from their ends are used again.
 void KrRxImpDynamicLinker::dropTableEntry(const wchar_t* key) {
   mpLoadedModules->remove(key);
   mpLoadedModules->reclaimFreeTail();
+  krrxReclaimSystemDictionaryIds();
 }
 
 bool KrRxImpDynamicLinker::failLoad(const wchar_t* name, const wchar_t* key, bool printMessages) {
