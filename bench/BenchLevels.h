@@ -7,6 +7,7 @@
 //   registerBenchLevels();
 //   Level8 deep;
 //   Level1::cast(&deep);
+//   benchQueryXBesidePeers("queryX", &deep, Probe::desc(), &extension);
 
 #include "kr1st.h"
 
@@ -22,3 +23,8 @@ class Probe : public KrRxObject { KRRX_DECLARE_MEMBERS(Probe); };
 
 // Registers the levels and Probe and builds the class hierarchy.
 void registerBenchLevels();
+
+// Reports object->queryX(protocol) beside one virtual call and beside a hash
+// lookup keyed by the protocol (holding extension), as line what; returns
+// the nanoseconds per queryX.
+double benchQueryXBesidePeers(const char* what, KrRxObject* object, const KrRxClass* protocol, KrRxObject* extension);

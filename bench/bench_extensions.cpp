@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "BenchHarness.h"
@@ -33,15 +32,7 @@ void benchQueryX() {
   KrRxObject* object = &deep;
   const KrRxClass* probe = Probe::desc();
   asm volatile("" : "+r"(object), "+r"(probe));  // opaque, so every call is really made
-
-  double switchOff = bench::nsPerCall([&](long long) { bench::keep(object->queryX(probe)); }, 10000000);
-  double virtualCall = bench::nsPerCall([&](long long) { bench::keep(object->isA()); }, 10000000);
-  bench::report("queryX, overruling off (4 levels up)", switchOff, "one virtual call (isA)", virtualCall);
-  std::unordered_map<const void*, KrRxObject*> byProtocol;
-  for (int i = 0; i < 64; ++i) byProtocol[reinterpret_cast<const char*>(&deep) + i] = nullptr;
-  byProtocol[probe] = &extension;
-  double hashed = bench::nsPerCall([&](long long) { bench::keep(byProtocol.find(probe)->second); }, 10000000);
-  bench::report("queryX, overruling off (4 levels up)", switchOff, "unordered_map<const void*,T*>::find", hashed);
+  double switchOff = benchQueryXBesidePeers("queryX, overruling off (4 levels up)", object, probe, &extension);
 
   NeverQueryX never;
   KrRxOverrule::addOverrule(Level1::desc(), &never, false);

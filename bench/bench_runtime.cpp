@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <string>
-#include <unordered_map>
 
 #include "BenchHarness.h"
 #include "BenchLevels.h"
@@ -40,17 +39,7 @@ int main() {
 
   std::printf("Runtime type tests and protocol lookup (best of 5 rounds, ns per call)\n");
   // The protocol class is looked up once, as a caller in a loop would.
-  KrRxClass* probe = Probe::desc();
-  asm volatile("" : "+r"(probe));
-  double queryX = bench::nsPerCall([&](long long) { bench::keep(object->queryX(probe)); }, 10000000);
-  double virtualCall = bench::nsPerCall([&](long long) { bench::keep(object->isA()); }, 10000000);
-  bench::report("queryX (inherited from 7 levels up)", queryX, "one virtual call (isA)", virtualCall);
-  // What a lookup keyed by class and protocol would cost instead of the table index.
-  std::unordered_map<const void*, KrRxObject*> byProtocol;
-  for (int i = 0; i < 64; ++i) byProtocol[reinterpret_cast<const char*>(&deep) + i] = nullptr;
-  byProtocol[probe] = &extension;
-  double hashed = bench::nsPerCall([&](long long) { bench::keep(byProtocol.find(probe)->second); }, 10000000);
-  bench::report("queryX (inherited from 7 levels up)", queryX, "unordered_map<const void*,T*>::find", hashed);
+  benchQueryXBesidePeers("queryX (inherited from 7 levels up)", object, Probe::desc(), &extension);
 
   double isKindOf = bench::nsPerCall([&](long long) { bench::keep(object->isKindOf(root)); }, 10000000);
   double dynamicCast = bench::nsPerCall([&](long long) { bench::keep(dynamic_cast<Plain1*>(plain)); }, 10000000);
