@@ -25,6 +25,16 @@ constexpr uint32_t kHintSize = 2;
 constexpr size_t kExportNameCountOffset = 24;
 constexpr size_t kExportNameTableOffset = 32;
 
+// Runs read into a list of its own and appends that list to names only
+// when read succeeds: a damaged image adds no partial list.
+template <typename Read>
+bool appendAllOrNothing(std::vector<std::string>& names, Read read) {
+  std::vector<std::string> found;
+  if (!read(found)) return false;
+  names.insert(names.end(), found.begin(), found.end());
+  return true;
+}
+
 bool sameAsciiName(const std::string& a, const std::string& b) {
   if (a.size() != b.size()) return false;
   for (size_t i = 0; i < a.size(); ++i)
@@ -177,22 +187,15 @@ bool KrRxPeImage::readExportNames(std::vector<std::string>& names) const {
 }
 
 bool KrRxPeImage::importNames(std::vector<std::string>& names) const {
-  std::vector<std::string> found;
-  if (!mValid || !readImportNames(found)) return false;
-  names.insert(names.end(), found.begin(), found.end());
-  return true;
+  return mValid && appendAllOrNothing(names, [&](std::vector<std::string>& found) { return readImportNames(found); });
 }
 
 bool KrRxPeImage::importedFunctionNames(const std::string& library, std::vector<std::string>& names) const {
-  std::vector<std::string> found;
-  if (!mValid || !readImportedFunctionNames(library, found)) return false;
-  names.insert(names.end(), found.begin(), found.end());
-  return true;
+  return mValid && appendAllOrNothing(names, [&](std::vector<std::string>& found) {
+           return readImportedFunctionNames(library, found);
+         });
 }
 
 bool KrRxPeImage::exportNames(std::vector<std::string>& names) const {
-  std::vector<std::string> found;
-  if (!mValid || !readExportNames(found)) return false;
-  names.insert(names.end(), found.begin(), found.end());
-  return true;
+  return mValid && appendAllOrNothing(names, [&](std::vector<std::string>& found) { return readExportNames(found); });
 }
