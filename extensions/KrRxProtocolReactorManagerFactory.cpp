@@ -2,6 +2,7 @@
 
 #include "extensions/KrRxProtocolReactorManagerFactory.h"
 
+#include "runtime/KrRxClassAttachments.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxImpClass.h"
 
@@ -30,6 +31,14 @@ KrRxProtocolReactorList* KrRxImpProtocolReactorManager::createReactorList(KrRxCl
 KrRxProtocolReactorListIterator* KrRxImpProtocolReactorManager::newIterator() const {
   return new KrRxImpProtocolReactorListIterator(this);
 }
+
+namespace {
+
+// A class's reactor manager goes with the class.
+void releaseReactorManager(KrRxImpClass* cls) { delete cls->mpReactorManager; }
+[[maybe_unused]] const bool reactorManagerReleaseInstalled = krrxAddClassAttachmentRelease(releaseReactorManager);
+
+}  // namespace
 
 KrRxProtocolReactorManager* KrRxImpProtocolReactorManagerFactory::createReactorManager(KrRxClass* cls) const {
   KrRxImpClass* imp = cls ? cls->impObj() : nullptr;
