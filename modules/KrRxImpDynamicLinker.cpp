@@ -1,10 +1,13 @@
-// The dynamic linker: probing, verifying, loading and unloading modules, the
-// loaded-module table, reactors, module flags, list files and host messages.
+// The dynamic linker's loaded-module table: construction, looking modules
+// up, reactors and module flags, messages to modules and to the host, and
+// the host's product facts. The load road itself is in KrRxLinkerProbe.cpp
+// (version and entry point), KrRxLinkerTrust.cpp (signature and reactors'
+// consent), KrRxLinkerLoading.cpp (loading, initialising, unloading) and
+// KrRxLinkerListFiles.cpp (list files and registered applications).
 
 #include "modules/KrRxImpDynamicLinker.h"
 
 #include <windows.h>
-
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -21,20 +24,13 @@
 #include "krrxiterator.h"
 #include "krrxservice.h"
 #include "krrxsystem.h"
-#include "modules/KrRxFileBytes.h"
-#include "modules/KrRxGuardedCall.h"
-#include "modules/KrRxImportBinding.h"
-#include "modules/KrRxListFileReader.h"
-#include "modules/KrRxTrustCheck.h"
+#include "modules/KrRxLinkerSteps.h"
 #include "runtime/KrRxCoreClass.h"
-#include "runtime/KrRxImpClass.h"
 #include "runtime/KrRxImpDictionary.h"
 #include "runtime/KrRxImpSet.h"
 #include "system/KrRxServiceDictionary.h"
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxImpDynamicLinker, KrRxDynamicLinker)
-
-wchar_t* KrRxImpDynamicLinker::mLoadModuleFailReason = nullptr;
 
 namespace {
 
@@ -43,170 +39,23 @@ constexpr int kNoHostServices = -5001;
 constexpr int kNullFormat = -5003;
 constexpr int kFormatFailed = -5004;
 
-constexpr size_t kReasonBufferSize = 2048;
-constexpr DWORD kLongPathCapacity = 32767;
 // A module's file name is one path component: at most 255 characters.
 constexpr size_t kFileNameCapacity = 255;
 
-typedef void (KrRxDLinkerReactor::*Notification)(const wchar_t* moduleName);
+}  // namespace
 
-// Calls the notification on every reactor of set, in the set's order.
-void notify(const KrRxSet* set, Notification notification, const wchar_t* moduleName) {
+void krrxNotifyReactors(const KrRxSet* set, KrRxLinkerNotification notification, const wchar_t* moduleName) {
   KrRxIterator* it = set->newIterator(true);
   for (; !it->done(); it->next()) (static_cast<KrRxDLinkerReactor*>(it->object())->*notification)(moduleName);
   delete it;
 }
-
-// Offers a probed module to the KrRxDLinkerReactor2 members of set until one refuses it.
-void offer(const KrRxSet* set, void* probe) {
-  KrRxIterator* it = set->newIterator(true);
-  for (; !it->done() && !KrRxImpDynamicLinker::mLoadModuleFailReason; it->next())
-    if (auto* reactor = KrRxDLinkerReactor2::cast(it->object())) reactor->rxAppCouldBeLoaded(probe);
-  delete it;
-}
-
-// The system's text for error, through the host's message output.
-void reportSystemError(DWORD error) {
-  wchar_t* text = nullptr;
-  FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                 error, 0x400, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-  if (!text) return;
-  KrRxImpDynamicLinker::hostMessage(L"%ls", text);
-  LocalFree(text);
-}
-
-std::wstring modulePath(HMODULE module) {
-  std::wstring path(kLongPathCapacity, L'\0');
-  DWORD length = GetModuleFileNameW(module, &path[0], kLongPathCapacity);
-  path.resize(length < kLongPathCapacity ? length : 0);
-  return path;
-}
-
-// Calls a probed module's version function, whose imports are not resolved:
-// a fault there (reading imported data, say) is caught and gives false.
-bool probeApiVersion(KrRxGetApiVersionFunction getApiVersion, unsigned int& version) {
-  struct Call {
-    KrRxGetApiVersionFunction function;
-    unsigned int version;
-  } call = {getApiVersion, 0};
-  bool returned = krrxFaultCatchingCall(
-      [](void* pending) {
-        auto* call = static_cast<Call*>(pending);
-        call->version = call->function();
-      },
-      &call);
-  version = call.version;
-  return returned;
-}
-
-// Checks the probed module's API version and entry point, with the messages for a refusal.
-bool acceptsEntryProtocol(HMODULE probe, const wchar_t* fileName, bool printMessages) {
-  auto getApiVersion = reinterpret_cast<KrRxGetApiVersionFunction>(
-      reinterpret_cast<void*>(GetProcAddress(probe, KRRX_GET_API_VERSION)));
-  if (!getApiVersion) {
-    if (printMessages)
-      KrRxImpDynamicLinker::hostMessage(L"GetApiVersion function not found in %ls\nMake sure the app export the symbol.",
-                                        fileName);
-    return false;
-  }
-  unsigned int version;
-  if (!probeApiVersion(getApiVersion, version)) {
-    if (printMessages)
-      KrRxImpDynamicLinker::hostMessage(
-          L"krrxGetApiVersion faulted in %ls\nIt must return a constant and read nothing imported: "
-          L"define it with KRRX_DEFINE_API_VERSION().\n",
-          fileName);
-    return false;
-  }
-  if (version - KRRX_MIN_API_VERSION > KRRX_CUR_API_VERSION - KRRX_MIN_API_VERSION) {
-    if (printMessages) {
-      KrRxImpDynamicLinker::hostMessage(L"Incompatible API version in %ls\n", fileName);
-      KrRxImpDynamicLinker::hostMessage(L" Kestrune version = %d.%d\n", KRRX_CUR_API_VERSION >> 16,
-                                        KRRX_CUR_API_VERSION & 0xFFFF);
-      KrRxImpDynamicLinker::hostMessage(L" %ls version = %d.%d\n", fileName, version >> 16, version & 0xFFFF);
-    }
-    return false;
-  }
-  if (!GetProcAddress(probe, KRRX_ENTRY_POINT)) {
-    if (printMessages) KrRxImpDynamicLinker::hostMessage(L"Entry point not found in %ls\n", fileName);
-    return false;
-  }
-  return true;
-}
-
-// Resolved once per process, from the first trust library asked.
-KrRxWinVerifyTrustEx winVerifyTrustEx(HMODULE trustLibrary) {
-  static const KrRxWinVerifyTrustEx function = reinterpret_cast<KrRxWinVerifyTrustEx>(
-      reinterpret_cast<void*>(GetProcAddress(trustLibrary, "WinVerifyTrustEx")));
-  return function;
-}
-
-void setFailReason(const wchar_t* reason) {
-  if (wchar_t* copy = _wcsdup(reason)) {
-    free(KrRxImpDynamicLinker::mLoadModuleFailReason);
-    KrRxImpDynamicLinker::mLoadModuleFailReason = copy;
-  }
-}
-
-// Takes the pending refusal: prints it (or the standard text) when asked, and clears it.
-void reportRefusal(const wchar_t* fileName, bool printMessages) {
-  wchar_t*& reason = KrRxImpDynamicLinker::mLoadModuleFailReason;
-  if (printMessages) {
-    if (*reason)
-      KrRxImpDynamicLinker::hostMessage(L"%ls", reason);
-    else
-      KrRxImpDynamicLinker::hostMessage(L"Runtime Extension '%ls' could not been loaded\n", fileName);
-  }
-  free(reason);
-  reason = nullptr;
-}
-
-std::wstring currentDirectory() {
-  DWORD size = GetCurrentDirectoryW(0, nullptr);
-  std::wstring text(size, L'\0');
-  text.resize(size ? GetCurrentDirectoryW(size, &text[0]) : 0);
-  return text;
-}
-
-std::wstring dllDirectory() {
-  DWORD size = GetDllDirectoryW(0, nullptr);
-  std::wstring text(size + 1, L'\0');
-  text.resize(GetDllDirectoryW(size + 1, &text[0]) <= size ? wcslen(text.c_str()) : 0);
-  return text;
-}
-
-// Maps the module at path (a full path) for real. While it loads, its
-// directory is the current and the DLL directory, so that the module's own
-// dependencies are found beside it.
-HMODULE loadInItsDirectory(const std::wstring& path, DWORD& error) {
-  std::wstring savedCurrent = currentDirectory();
-  std::wstring savedDll = dllDirectory();
-  const wchar_t* name = KrRxImpDynamicLinker::findFileName(path.c_str());
-  if (name != path.c_str()) {
-    std::wstring directory(path.c_str(), name);
-    SetCurrentDirectoryW(directory.c_str());
-    SetDllDirectoryW(directory.c_str());
-  }
-  HMODULE module = LoadLibraryW(path.c_str());
-  error = GetLastError();
-  SetDllDirectoryW(savedDll.c_str());
-  SetCurrentDirectoryW(savedCurrent.c_str());
-  return module;
-}
-
-HMODULE loadTrustLibrary() {
-  HMODULE kernel = GetModuleHandleW(L"KERNEL32.DLL");
-  return kernel && GetProcAddress(kernel, "GetLocaleInfoEx") ? LoadLibraryW(L"WINTRUST.DLL") : nullptr;
-}
-
-}  // namespace
 
 KrRxImpDynamicLinker::KrRxImpDynamicLinker()
     : mpLoadedModules(new KrRxImpDictionary(0, true, true, true, KrRxGenHand::desc())),
       mpReactors(new KrRxGenTypedSet(false, KrRxDLinkerReactor::desc())),
       mpDbAppMonitors(new KrRxGenTypedSet(false, KrRxDLinkerReactor::desc())),
       mpRegistry(new KesuAppRegistry()),
-      mpTrustLibrary(loadTrustLibrary()) {}
+      mpTrustLibrary(krrxLoadTrustLibrary()) {}
 
 KrRxImpDynamicLinker::~KrRxImpDynamicLinker() {
   unloadAllModules(true);
@@ -285,184 +134,6 @@ void* KrRxImpDynamicLinker::getSymbolAddress(const wchar_t* module, const char* 
   KrRxGenHand* handle = findModule(module);
   if (!handle || !handle->getVal() || !symbol) return nullptr;
   return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle->getVal()), symbol));
-}
-
-// ---- Loading ----
-
-bool KrRxImpDynamicLinker::signatureRejected(const wchar_t* path) const {
-  if (!mpTrustLibrary) return false;
-  KrRxWinVerifyTrustEx verify = winVerifyTrustEx(static_cast<HMODULE>(mpTrustLibrary));
-  return verify && krrxVerifyTrust(verify, path) < 0;
-}
-
-void KrRxImpDynamicLinker::offerToReactors(void* probe) const {
-  offer(mpDbAppMonitors, probe);
-  if (!mLoadModuleFailReason) offer(mpReactors, probe);
-}
-
-void* KrRxImpDynamicLinker::loadModuleEx(const wchar_t* fileName, bool printMessages, char* reasonBuffer) {
-  if (!fileName) return nullptr;
-  HMODULE probe = LoadLibraryExW(fileName, nullptr, DONT_RESOLVE_DLL_REFERENCES);
-  if (!probe) {
-    if (printMessages) reportSystemError(GetLastError());
-    return nullptr;
-  }
-  std::string unbound;
-  bool bindable = krrxImportsBind(probe, unbound);
-  if (!acceptsEntryProtocol(probe, fileName, printMessages) || !bindable) {
-    if (!bindable && printMessages) reportSystemError(ERROR_PROC_NOT_FOUND);
-    FreeLibrary(probe);
-    return nullptr;
-  }
-  if (reasonBuffer) memset(reasonBuffer, 0, kReasonBufferSize);
-  // The file verified, offered and then loaded is the one the probe found,
-  // by its full path: a relative name would resolve differently once the
-  // module's directory is current.
-  std::wstring path = modulePath(probe);
-  if (!mLoadModuleFailReason && signatureRejected(path.c_str())) setFailReason(L"");
-  if (!mLoadModuleFailReason) offerToReactors(probe);
-  FreeLibrary(probe);
-  if (mLoadModuleFailReason) {
-    reportRefusal(fileName, printMessages);
-    return nullptr;
-  }
-  DWORD error;
-  HMODULE module = loadInItsDirectory(path, error);
-  if (!module && printMessages) reportSystemError(error);
-  return module;
-}
-
-bool KrRxImpDynamicLinker::loadModule(const wchar_t* moduleName, bool printMessages, bool asCommand) {
-  return moduleName && registerLoadedModule(moduleName, printMessages, asCommand, false);
-}
-
-bool KrRxImpDynamicLinker::loadApp(void* moduleHandle, KesuApp::LoadReasons, bool printMessages, bool asCommand) {
-  std::wstring path = modulePath(static_cast<HMODULE>(moduleHandle));
-  return !path.empty() && registerLoadedModule(path.c_str(), printMessages, asCommand, true);
-}
-
-bool KrRxImpDynamicLinker::registerLoadedModule(const wchar_t* name, bool printMessages, bool asCommand,
-                                                bool reactorsFirst) {
-  if (KrRxGenHand* loaded = findModule(name)) {
-    if (!asCommand) {
-      loaded->apiAddRef();
-      return true;
-    }
-    loaded->uiAddRef();
-    if (printMessages) hostMessage(L"Runtime Extension '%ls' is already loaded.\n", name);
-    return false;
-  }
-  notify(reactorsFirst ? mpReactors : mpDbAppMonitors, &KrRxDLinkerReactor::rxAppWillBeLoaded, name);
-  notify(reactorsFirst ? mpDbAppMonitors : mpReactors, &KrRxDLinkerReactor::rxAppWillBeLoaded, name);
-  const wchar_t* key = findFileName(name);
-  auto* module = new KrRxGenHand();
-  module->setfileName(key);
-  mpLoadedModules->atPut(key, module);
-  char reason[kReasonBufferSize];
-  void* handle = loadModuleEx(name, printMessages, reason);
-  if (!handle) return failLoad(name, key, printMessages);
-  module->setVal(handle);
-  if (!module->loadDependencies(this, printMessages)) {
-    module->unloadDependencies(this);
-    FreeLibrary(static_cast<HMODULE>(handle));
-    module->setVal(nullptr);
-    return failLoad(name, key, printMessages);
-  }
-  return initialiseModule(module, name, asCommand) || failLoad(name, key, printMessages);
-}
-
-// Counts the loader's reference, sends kAppMsgInit and lets the monitors
-// veto; false after unloading the module again (forced).
-bool KrRxImpDynamicLinker::initialiseModule(KrRxGenHand* module, const wchar_t* name, bool asCommand) {
-  if (asCommand)
-    module->uiAddRef();
-  else
-    module->apiAddRef();
-  if (!module->sendAppMessage(KrRx::kAppMsgInit, module)) {
-    unloadModuleEx(name, asCommand, true, false);
-    return false;
-  }
-  notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppLoaded, name);
-  if (module->appStatusFlags() & KrRxGenHand::kVetoed) {
-    unloadModuleEx(name, asCommand, true, false);
-    return false;
-  }
-  notify(mpReactors, &KrRxDLinkerReactor::rxAppLoaded, name);
-  return true;
-}
-
-bool KrRxImpDynamicLinker::failLoad(const wchar_t* name, const wchar_t* key, bool printMessages) {
-  mpLoadedModules->remove(key);
-  if (printMessages) hostMessage(L"Failed to load '%ls'\n", name);
-  notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppLoadAborted, name);
-  notify(mpReactors, &KrRxDLinkerReactor::rxAppLoadAborted, name);
-  return false;
-}
-
-// ---- Unloading ----
-
-bool KrRxImpDynamicLinker::unloadModule(const wchar_t* moduleName, bool asCommand) {
-  return unloadModuleEx(moduleName, asCommand, false, asCommand);
-}
-
-bool KrRxImpDynamicLinker::unloadModuleEx(const wchar_t* name, bool asCommand, bool force, bool printMessages) {
-  KrRxGenHand* module = findModule(name);
-  if (!module) {
-    if (printMessages) hostMessage(L"\nUnable to unload application '%ls' because it's not loaded.\n", name);
-    return false;
-  }
-  bool vetoed = module->appStatusFlags() & KrRxGenHand::kVetoed;
-  if (asCommand) {
-    if ((module->appStatusFlags() & KrRxGenHand::kLocked) && !vetoed && !force) {
-      if (printMessages) hostMessage(L"\nApplication '%ls' is locked and could not be unloaded.\n", module->FileName());
-      return false;
-    }
-    module->uiRelease();
-  } else {
-    module->apiRelease();
-  }
-  if (!vetoed && !module->safeToUnload()) return true;
-  // The record goes with its table entry; the name stays for the reactors.
-  const std::wstring fileName = module->FileName();
-  notify(mpReactors, &KrRxDLinkerReactor::rxAppWillBeUnloaded, fileName.c_str());
-  notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppWillBeUnloaded, fileName.c_str());
-  if (!releaseModule(module, fileName.c_str(), force)) {
-    module->clrVetoFlag();
-    notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppUnloadAborted, fileName.c_str());
-    notify(mpReactors, &KrRxDLinkerReactor::rxAppUnloadAborted, fileName.c_str());
-    return false;
-  }
-  notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppUnloaded, fileName.c_str());
-  notify(mpReactors, &KrRxDLinkerReactor::rxAppUnloaded, fileName.c_str());
-  if (printMessages) hostMessage(L"\n'%ls' succefuly unloaded.\n", fileName.c_str());
-  return true;
-}
-
-// Sends kAppMsgUnload (its answer decides unless forced) and, when the
-// module goes, releases it and drops its table entry.
-bool KrRxImpDynamicLinker::releaseModule(KrRxGenHand* module, const wchar_t* fileName, bool force) {
-  bool vetoed = module->appStatusFlags() & KrRxGenHand::kVetoed;
-  bool accepted = (force || !vetoed) && module->sendAppMessage(KrRx::kAppMsgUnload, module);
-  if (!force && !accepted) return false;
-  KrRxImpClass::clearDeletedClassesArray();
-  module->unloadDependencies(this);
-  if (module->getVal()) FreeLibrary(static_cast<HMODULE>(module->getVal()));
-  module->setVal(nullptr);
-  mpLoadedModules->remove(fileName);
-  return true;
-}
-
-void KrRxImpDynamicLinker::unloadAllModules(bool force) {
-  for (bool progress = true; progress;) {
-    progress = false;
-    std::vector<std::wstring> names;
-    KrRxDictionaryIterator* it = mpLoadedModules->newIterator(KrRx::kDictById);
-    for (; !it->done(); it->next()) names.push_back(it->key());
-    delete it;
-    for (auto name = names.rbegin(); name != names.rend(); ++name)
-      if (findModule(name->c_str()) && unloadModuleEx(name->c_str(), true, force, false))
-        progress = progress || !findModule(name->c_str());
-  }
 }
 
 // ---- Messages ----
@@ -564,85 +235,3 @@ unsigned int KrRxImpDynamicLinker::ProductLcid() const {
   return host ? host->productLcid() : GetSystemDefaultLCID();
 }
 
-// ---- List files ----
-
-bool KrRxImpDynamicLinker::initListedModules(const wchar_t* listFile) {
-  static_assert(sizeof(wchar_t) == sizeof(char16_t), "list lines are UTF-16 module names");
-  HANDLE file = CreateFileW(listFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                            FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return false;
-  // A read error ends the list where it happened: the lines read so far still load.
-  std::string bytes;
-  krrxReadFileBytes(file, bytes);
-  CloseHandle(file);
-  KrRxListFileReader reader(bytes.data(), bytes.size());
-  bool allLoaded = true;
-  std::u16string line;
-  while (reader.nextLine(line))
-    if (!line.empty())
-      allLoaded = loadModule(reinterpret_cast<const wchar_t*>(line.c_str()), false, true) && allLoaded;
-  return allLoaded;
-}
-
-// ---- Applications (through the application registry) ----
-
-bool KrRxImpDynamicLinker::loadApp(const wchar_t* appName, KesuApp::LoadReasons reason, bool printMessages,
-                                   bool asCommand) {
-  if (!appName) return false;
-  KesuAppInfo app(appName);
-  if (app.readFromRegistry() != KesuApp::eOk) return false;
-  if ((app.loadCtrls() & KesuApp::kLoadDisabled) || !(app.loadCtrls() & unsigned(reason))) return false;
-  if (!loadModule(app.moduleName(), printMessages, asCommand)) return false;
-  if (KrRxGenHand* module = findModule(app.moduleName())) {
-    module->addLogicalAppName(appName);
-    module->setLoadReason(reason);
-  }
-  loadApps(appName);
-  return true;
-}
-
-std::vector<std::wstring> KrRxImpDynamicLinker::registeredAppNames() {
-  std::vector<std::wstring> names;
-  int count = mpRegistry->enumerate();
-  for (int i = 0; i < count; ++i) names.push_back(mpRegistry->keyName(i));
-  return names;
-}
-
-bool KrRxImpDynamicLinker::loadApps(const wchar_t* triggerName) {
-  bool anyLoaded = false;
-  for (const std::wstring& name : registeredAppNames())
-    if (krrxIsAppTriggeredBy(name.c_str(), triggerName))
-      anyLoaded = loadApp(name.c_str(), KesuApp::kLoadByName, false, true) || anyLoaded;
-  return anyLoaded;
-}
-
-bool KrRxImpDynamicLinker::loadApps(KesuApp::LoadReasons reason) {
-  bool anyLoaded = false;
-  for (const std::wstring& name : registeredAppNames()) anyLoaded = loadApp(name.c_str(), reason, false, true) || anyLoaded;
-  return anyLoaded;
-}
-
-bool KrRxImpDynamicLinker::unloadApp(const wchar_t* appName, bool asCommand) {
-  KrRxGenHand* found = nullptr;
-  KrRxDictionaryIterator* it = mpLoadedModules->newIterator(KrRx::kDictById);
-  for (; !it->done() && !found; it->next()) {
-    auto* module = static_cast<KrRxGenHand*>(it->object());
-    if (module->hasLogicalAppName(appName)) found = module;
-  }
-  delete it;
-  if (!found) return false;
-  const std::wstring fileName = found->FileName();
-  return unloadModuleEx(fileName.c_str(), asCommand, false, false);
-}
-
-bool KrRxImpDynamicLinker::appIsLoaded(const wchar_t* appName) const {
-  if (!appName) return false;
-  KesuAppInfo app(appName);
-  app.readFromRegistry();
-  if (*app.moduleName() && findModule(app.moduleName())) return true;
-  bool found = false;
-  KrRxDictionaryIterator* it = mpLoadedModules->newIterator(KrRx::kDictById);
-  for (; !it->done() && !found; it->next()) found = static_cast<KrRxGenHand*>(it->object())->hasLogicalAppName(appName);
-  delete it;
-  return found;
-}
