@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/KrHostModuleSearch.h"
+#include "host/KrHostModuleVersion.h"
 #include "host/KrHostPlatform.h"
 #include "host/KrHostVersionProbe.h"
 #include "kr1st.h"
@@ -97,6 +98,7 @@ class ModuleCheck {
   bool finish() {
     bool loads = mFirstFailure.empty();
     mReport.field("path", L"File", mPath.empty() ? KrHostValue() : KrHostValue(mPath));
+    krhostReportVersion(mReport, mPath.empty() ? KrHostModuleVersion() : krhostVersionOfFile(mPath));
     mReport.field("loads", L"Would load", KrHostValue::truth(loads));
     mReport.field("reason", L"Why not", loads ? KrHostValue() : KrHostValue(mFirstFailure));
     return loads;
