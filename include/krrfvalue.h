@@ -1,52 +1,59 @@
 #pragma once
-// Reflected values: small runtime objects that each hold one plain value (a
-// number, a flag, a character), so that code knowing only KrRxObject can
-// read, write, compare, copy and convert it. Properties hand their values in
-// and out as such objects; dates, ratios and currency build on KrVtFloat64.
-//
-//   KrVtFloat64 length(12.75);
-//   int whole = 0;
-//   if (length.toInt32(whole) == Kesu::eOk) ...        // whole == 12
-//   KrVtInt8 small;
-//   small.fromDouble(300.0);                            // eOutOfRange, stays 0
-//
-// The family, from the abstract root to the registered classes:
-//   KrRfValue > KrRfNumber                     abstract, registered
-//   KrRfValueAbstractT<T, Base>                typed access through addressOf()
-//   KrRfValueBaseT<T, Base>                    stores the T right behind the object header
-//   KrRfNumberT<T>                             numeric T: the twenty conversions
-//   KrRfValueI<T>                              intermediate layer, no operation of its own
-//   KrRfValueT<T>                              the concrete class, registered as KrVt<Kind>
-// Copying and comparing between unlike values reinterprets the other's
-// stored bytes: convert through to.../from... when the kinds differ.
+/// @file
+/// Reflected values: small runtime objects that each hold one plain value (a
+/// number, a flag, a character), so that code knowing only KrRxObject can
+/// read, write, compare, copy and convert it. Properties hand their values in
+/// and out as such objects; dates, ratios and currency build on KrVtFloat64.
+///
+/// @code
+///   KrVtFloat64 length(12.75);
+///   int whole = 0;
+///   if (length.toInt32(whole) == Kesu::eOk) ...        // whole == 12
+///   KrVtInt8 small;
+///   small.fromDouble(300.0);                            // eOutOfRange, stays 0
+///
+/// @endcode
+/// The family, from the abstract root to the registered classes:
+/// @code
+///   KrRfValue > KrRfNumber                     abstract, registered
+///   KrRfValueAbstractT<T, Base>                typed access through addressOf()
+///   KrRfValueBaseT<T, Base>                    stores the T right behind the object header
+///   KrRfNumberT<T>                             numeric T: the twenty conversions
+///   KrRfValueI<T>                              intermediate layer, no operation of its own
+///   KrRfValueT<T>                              the concrete class, registered as KrVt<Kind>
+/// @endcode
+/// Copying and comparing between unlike values reinterprets the other's
+/// stored bytes: convert through to.../from... when the kinds differ.
 
 #include <type_traits>
 
 #include "krrxclass.h"
 #include "krrxobject.h"
 
-// Registers a value class (or value array class) under name: fatal
-// "<name>::rxInit() called twice!" when the class dictionary holds it already.
+/// Registers a value class (or value array class) under name: fatal
+/// "<name>::rxInit() called twice!" when the class dictionary holds it already.
 KR1ST_API KrRxClass* krrfNewValueClass(const wchar_t* name, const wchar_t* parentName,
                                        KrRxPseudoConstructor pseudoConstructor);
 
-// Any reflected value.
+/// Any reflected value.
 class KR1ST_API KrRfValue : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRfValue);
 
  public:
   ~KrRfValue() override;
 
-  // Size of the held value in bytes.
+  /// Size of the held value in bytes.
   virtual unsigned int sizeOf() const = 0;
-  // Where the held value lies.
+  /// Where the held value lies.
+  ///@{
   virtual void* addressOf() = 0;
   virtual const void* addressOf() const = 0;
+  ///@}
 };
 
-// A value that converts to and from the ten numeric kinds. Every operation
-// answers eOk, or eOutOfRange (151) leaving its target untouched when the
-// value does not fit the destination.
+/// A value that converts to and from the ten numeric kinds. Every operation
+/// answers eOk, or eOutOfRange (151) leaving its target untouched when the
+/// value does not fit the destination.
 class KR1ST_API KrRfNumber : public KrRfValue {
   KRRX_DECLARE_MEMBERS(KrRfNumber);
 
@@ -75,23 +82,27 @@ class KR1ST_API KrRfNumber : public KrRfValue {
   virtual Kesu::ErrorStatus fromFloat(float value) = 0;
   virtual Kesu::ErrorStatus fromDouble(double value) = 0;
 
-  // One step up or down: 1 for integers, one unit in the last place for floats.
+  /// One step up or down: 1 for integers, one unit in the last place for floats.
+  ///@{
   virtual Kesu::ErrorStatus increment() = 0;
   virtual Kesu::ErrorStatus decrement() = 0;
+  ///@}
 };
 
-// Typed access to a value that a subclass may keep anywhere (addressOf()).
+/// Typed access to a value that a subclass may keep anywhere (addressOf()).
 template <typename T, typename Base>
 class KR1ST_API KrRfValueAbstractT : public Base {
  public:
-  // The abstract layer cannot copy: eNotSupported.
+  /// The abstract layer cannot copy: eNotSupported.
   Kesu::ErrorStatus copyFrom(const KrRxObject* other) override;
-  // The abstract layer knows no equality: false.
+  /// The abstract layer knows no equality: false.
   bool isEqualTo(const KrRxObject* other) const override;
-  // kNotOrderable unless other is a Base; else orders this value against the
-  // other's stored T (kNotOrderable when a NaN makes them unordered).
+  /// kNotOrderable unless other is a Base; else orders this value against the
+  /// other's stored T (kNotOrderable when a NaN makes them unordered).
+  ///@{
   KrRx::Ordering comparedTo(const KrRxObject* other) const override;
   unsigned int sizeOf() const override;
+  ///@}
 
   T& value() { return *static_cast<T*>(this->addressOf()); }
   const T& value() const { return *static_cast<const T*>(this->addressOf()); }
@@ -101,7 +112,7 @@ class KR1ST_API KrRfValueAbstractT : public Base {
   const T* operator->() const { return &value(); }
 };
 
-// Holds the T as the one field right behind the object header.
+/// Holds the T as the one field right behind the object header.
 template <typename T, typename Base>
 class KR1ST_API KrRfValueBaseT : public KrRfValueAbstractT<T, Base> {
  public:
@@ -109,12 +120,14 @@ class KR1ST_API KrRfValueBaseT : public KrRfValueAbstractT<T, Base> {
   KrRfValueBaseT(const T& value) : mValue(value) {}
   KrRfValueBaseT(const KrRfValueBaseT& other) = default;
 
-  // eInvalidInput unless other is a Base; else takes the other's stored T.
+  /// eInvalidInput unless other is a Base; else takes the other's stored T.
   Kesu::ErrorStatus copyFrom(const KrRxObject* other) override;
-  // False unless other is a Base; else == on the other's stored T.
+  /// False unless other is a Base; else == on the other's stored T.
+  ///@{
   bool isEqualTo(const KrRxObject* other) const override;
   void* addressOf() override;
   const void* addressOf() const override;
+  ///@}
 
   T& value() { return mValue; }
   const T& value() const { return mValue; }
@@ -129,11 +142,11 @@ class KR1ST_API KrRfValueBaseT : public KrRfValueAbstractT<T, Base> {
   T mValue;
 };
 
-// The conversions of a numeric T: the source is tested against the
-// destination's lowest and highest value (a float bound for an integer as
-// truncated toward zero, so 255.9 fits a byte), then converted as C++
-// converts. A NaN passes every test, infinities none (not even into their
-// own type). Doubles reach 64-bit integers up to 2^63 and 2^64 inclusive.
+/// The conversions of a numeric T: the source is tested against the
+/// destination's lowest and highest value (a float bound for an integer as
+/// truncated toward zero, so 255.9 fits a byte), then converted as C++
+/// converts. A NaN passes every test, infinities none (not even into their
+/// own type). Doubles reach 64-bit integers up to 2^63 and 2^64 inclusive.
 template <typename T>
 class KR1ST_API KrRfNumberT : public KrRfValueBaseT<T, KrRfNumber> {
  public:
@@ -162,18 +175,21 @@ class KR1ST_API KrRfNumberT : public KrRfValueBaseT<T, KrRfNumber> {
   Kesu::ErrorStatus fromFloat(float value) override;
   Kesu::ErrorStatus fromDouble(double value) override;
 
-  // eOutOfRange at the type's maximum (increment) or minimum (decrement);
-  // for floats also at infinities and NaN.
+  /// eOutOfRange at the type's maximum (increment) or minimum (decrement);
+  /// for floats also at infinities and NaN.
+  ///@{
   Kesu::ErrorStatus increment() override;
   Kesu::ErrorStatus decrement() override;
+  ///@}
 };
 
-// bool and wchar_t are values but not numbers.
+/// bool and wchar_t are values but not numbers.
 template <typename T>
 using KrRfValueLayerT = typename std::conditional<std::is_same<T, bool>::value || std::is_same<T, wchar_t>::value,
                                                   KrRfValueBaseT<T, KrRfValue>, KrRfNumberT<T>>::type;
 
 template <typename T>
+/// The value layer of T: a number layer for numeric types, a plain value layer otherwise.
 class KR1ST_API KrRfValueI : public KrRfValueLayerT<T> {
   typedef KrRfValueLayerT<T> Layer;
 
@@ -182,7 +198,7 @@ class KR1ST_API KrRfValueI : public KrRfValueLayerT<T> {
   using Layer::operator=;
 };
 
-// The concrete value class of T, registered under its KrVt name.
+/// The concrete value class of T, registered under its KrVt name.
 template <typename T>
 class KR1ST_API KrRfValueT : public KrRfValueI<T> {
   KRRX_DECLARE_MEMBERS(KrRfValueT);
@@ -192,6 +208,8 @@ class KR1ST_API KrRfValueT : public KrRfValueI<T> {
   using KrRfValueI<T>::operator=;
 };
 
+/// The twelve value classes of the runtime, one per field type.
+///@{
 typedef KrRfValueT<bool> KrVtBool;
 typedef KrRfValueT<signed char> KrVtInt8;
 typedef KrRfValueT<short> KrVtInt16;
@@ -204,18 +222,20 @@ typedef KrRfValueT<unsigned __int64> KrVtUInt64;
 typedef KrRfValueT<float> KrVtFloat32;
 typedef KrRfValueT<double> KrVtFloat64;
 typedef KrRfValueT<wchar_t> KrVtChar;
+///@}
 
-// A value object is its header and the one field behind it.
+/// A value object is its header and the one field behind it.
 static_assert(sizeof(KrVtFloat64) == sizeof(void*) + sizeof(double), "one field behind the header");
 static_assert(sizeof(KrVtInt64) == sizeof(void*) + sizeof(__int64), "one field behind the header");
 static_assert(sizeof(KrVtInt32) == sizeof(KrVtBool), "no field beside the value");
 
-// The twelve classes and their layers live in kr1st20.dll.
+/// The twelve classes and their layers live in kr1st20.dll.
 #define KRRF_EXTERN_VALUE(T, KIND)                          \
   extern template class KrRfValueAbstractT<T, KIND>;        \
   extern template class KrRfValueBaseT<T, KIND>;            \
   extern template class KrRfValueI<T>;                      \
   extern template class KrRfValueT<T>;
+/// The number classes of T and their layers live in kr1st20.dll.
 #define KRRF_EXTERN_NUMBER(T) KRRF_EXTERN_VALUE(T, KrRfNumber) extern template class KrRfNumberT<T>;
 KRRF_EXTERN_VALUE(bool, KrRfValue)
 KRRF_EXTERN_VALUE(wchar_t, KrRfValue)

@@ -1,8 +1,10 @@
 #pragma once
-// A runtime object holding one untyped pointer, compared by that pointer.
+/// @file
+/// A runtime object holding one untyped pointer, compared by that pointer.
 
 #include "krrxobject.h"
 
+/// A runtime object holding one untyped pointer; equal when the pointers are.
 class KR1ST_API KrRxGenVoid : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxGenVoid);
 
