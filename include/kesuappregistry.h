@@ -76,36 +76,28 @@ class KR1ST_API KesuAppInfo : public KrRxObject {
   ~KesuAppInfo() override;
 
   /// The texts are never null.
-  ///@{
   const wchar_t* appName() const { return mAppName.kwszPtr(); }
   void setAppName(const wchar_t* name) { mAppName = name; }
   const wchar_t* appDesc() const { return mDescription.kwszPtr(); }
   void setAppDesc(const wchar_t* description) { mDescription = description; }
-  ///@}
   /// The module file that "LOADER" names.
-  ///@{
   const wchar_t* moduleName() const { return mModuleName.kwszPtr(); }
   void setModuleName(const wchar_t* moduleName) { mModuleName = moduleName; }
-  ///@}
   /// The load-control flags; 0x10 (the default) means never loaded on demand.
-  ///@{
   unsigned int loadCtrls() const { return mLoadCtrls; }
   void setLoadCtrls(unsigned int flags) { mLoadCtrls = flags; }
   KesuApp::LoadReasons loadReason() const { return mLoadReason; }
   void setLoadReason(KesuApp::LoadReasons reason) { mLoadReason = reason; }
   KesuApp::ErrorStatus status() const { return mStatus; }
-  ///@}
 
   void setAppLoader(KesuAppLoader loader) { mAppLoader = loader; }
   /// Calls the application loader with this record; false when there is none.
   bool runAppLoader() const;
 
   /// Fixed answers: records are never managed and implement nothing by name.
-  ///@{
   bool managed() const { return false; }
   void setManaged(bool) {}
   bool appImplements(const wchar_t*) const { return false; }
-  ///@}
 
   /// Fills the record from the first application key of the search order.
   /// eOk; eAppNotFound; eNoAppName; eIncompleteRecord when the key lacks a
@@ -129,10 +121,8 @@ class KR1ST_API KesuAppInfo : public KrRxObject {
   KesuApp::ErrorStatus enumerateFromRegistry(int index);
   /// Groups and commands are not kept in the registry: both write nothing and
   /// give eNotSupported.
-  ///@{
   KesuApp::ErrorStatus writeGroupNameToRegistry(const wchar_t* groupName);
   KesuApp::ErrorStatus writeCommandNameToRegistry(const wchar_t* globalName, const wchar_t* localName);
-  ///@}
 
  private:
   KrString mAppName;
@@ -157,10 +147,8 @@ class KR1ST_API KesuAppRegistry : public KrRxObject {
   /// Replaces the list with the application names found under every key and
   /// hive of the search order, in that order, each name once (names differing
   /// only in case are one name). Returns the count.
-  ///@{
   int enumerate();
   int keyCount() const { return static_cast<int>(mNames.size()); }
-  ///@}
   /// The index-th name, or null when index is out of range.
   const wchar_t* keyName(int index) const;
 

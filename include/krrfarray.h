@@ -23,10 +23,8 @@ class KR1ST_API KrRfArray : public KrRxObject {
   ~KrRfArray() override;
 
   /// The class of the values that getAt and setAt take.
-  ///@{
   virtual KrRxClass* elementType() const = 0;
   virtual int length() const = 0;
-  ///@}
   /// Writes element index into value: eInvalidIndex outside 0..length-1,
   /// eWrongObjectType when value is not of the element class.
   virtual Kesu::ErrorStatus getAt(int index, KrRfValue* value) const = 0;

@@ -32,10 +32,8 @@ class KR1ST_API KrRfProxy : public KrRxObject {
 
   virtual KrRxObject* object() const = 0;
   /// The class the object must be a kind of.
-  ///@{
   virtual KrRxClass* objectType() const = 0;
   virtual unsigned int flags() const = 0;
-  ///@}
   /// Replaces the object (destroying an owned one): eWrongObjectType when it
   /// is not a kind of objectType(); a reference refuses null with eInvalidInput.
   virtual Kesu::ErrorStatus setObject(KrRxObject* object, bool own) = 0;
@@ -76,10 +74,8 @@ class KR1ST_API KrRfPointer : public KrRfProxyObject {
   /// eNotSupported unless other is a pointer. Takes a clone (owned) when
   /// other is flagged kCloneOnCopy, else shares other's object. An object
   /// this pointer owned before is not destroyed.
-  ///@{
   Kesu::ErrorStatus copyFrom(const KrRxObject* other) override;
   KrRxClass* objectType() const override;
-  ///@}
 };
 
 /// A reference: never null once set; copying takes the other's object only.
@@ -93,10 +89,8 @@ class KR1ST_API KrRfReference : public KrRfProxyObject {
   Kesu::ErrorStatus setObject(KrRxObject* object, bool own) override;
 
   /// eNotSupported unless other is a reference; the flags stay as they are.
-  ///@{
   Kesu::ErrorStatus copyFrom(const KrRxObject* other) override;
   KrRxClass* objectType() const override;
-  ///@}
 };
 
 /// A pointer typed by the kind of object it holds.

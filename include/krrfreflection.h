@@ -80,10 +80,8 @@ class KR1ST_API KrRfReflectionPE : public KrRxObject {
   /// The first symbol, root-most class first, whose GUID equals guid; or null.
   KrRfSymbol* symbolAt(const GUID& guid) const;
   /// As symbolAt, null also when the symbol is not a property.
-  ///@{
   KrRfProperty* propertyAt(const wchar_t* name) const;
   KrRfProperty* propertyAt(const GUID& guid) const;
-  ///@}
 };
 
 /// Walks the symbols of a class and its ancestors, root-most class first.

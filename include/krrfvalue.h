@@ -45,10 +45,8 @@ class KR1ST_API KrRfValue : public KrRxObject {
   /// Size of the held value in bytes.
   virtual unsigned int sizeOf() const = 0;
   /// Where the held value lies.
-  ///@{
   virtual void* addressOf() = 0;
   virtual const void* addressOf() const = 0;
-  ///@}
 };
 
 /// A value that converts to and from the ten numeric kinds. Every operation
@@ -83,10 +81,8 @@ class KR1ST_API KrRfNumber : public KrRfValue {
   virtual Kesu::ErrorStatus fromDouble(double value) = 0;
 
   /// One step up or down: 1 for integers, one unit in the last place for floats.
-  ///@{
   virtual Kesu::ErrorStatus increment() = 0;
   virtual Kesu::ErrorStatus decrement() = 0;
-  ///@}
 };
 
 /// Typed access to a value that a subclass may keep anywhere (addressOf()).
@@ -99,10 +95,8 @@ class KR1ST_API KrRfValueAbstractT : public Base {
   bool isEqualTo(const KrRxObject* other) const override;
   /// kNotOrderable unless other is a Base; else orders this value against the
   /// other's stored T (kNotOrderable when a NaN makes them unordered).
-  ///@{
   KrRx::Ordering comparedTo(const KrRxObject* other) const override;
   unsigned int sizeOf() const override;
-  ///@}
 
   T& value() { return *static_cast<T*>(this->addressOf()); }
   const T& value() const { return *static_cast<const T*>(this->addressOf()); }
@@ -123,11 +117,9 @@ class KR1ST_API KrRfValueBaseT : public KrRfValueAbstractT<T, Base> {
   /// eInvalidInput unless other is a Base; else takes the other's stored T.
   Kesu::ErrorStatus copyFrom(const KrRxObject* other) override;
   /// False unless other is a Base; else == on the other's stored T.
-  ///@{
   bool isEqualTo(const KrRxObject* other) const override;
   void* addressOf() override;
   const void* addressOf() const override;
-  ///@}
 
   T& value() { return mValue; }
   const T& value() const { return mValue; }
@@ -177,10 +169,8 @@ class KR1ST_API KrRfNumberT : public KrRfValueBaseT<T, KrRfNumber> {
 
   /// eOutOfRange at the type's maximum (increment) or minimum (decrement);
   /// for floats also at infinities and NaN.
-  ///@{
   Kesu::ErrorStatus increment() override;
   Kesu::ErrorStatus decrement() override;
-  ///@}
 };
 
 /// bool and wchar_t are values but not numbers.

@@ -25,11 +25,9 @@ class KR1ST_API KrRxClass : public KrRxObject {
  public:
   /// Creates the descriptor and its implementation; the new descriptor waits
   /// in the pending list until the next connection pass.
-  ///@{
   KrRxClass(const wchar_t* name, const wchar_t* parentName, KrRxPseudoConstructor pseudoConstructor,
             KrRxMemberBuilder memberBuilder = nullptr, void* memberBuilderData = nullptr);
   ~KrRxClass() override;
-  ///@}
 
   /// Case-sensitive, code-unit order of the names; kNotOrderable against a non-descriptor.
   KrRx::Ordering comparedTo(const KrRxObject* other) const override;

@@ -16,10 +16,8 @@ class KR1ST_API KrRxCopyOnWriteObject : public KrRxObject {
   /// Takes ownership of object.
   explicit KrRxCopyOnWriteObject(KrRxObject* object);
   /// Shares other's object.
-  ///@{
   KrRxCopyOnWriteObject(const KrRxCopyOnWriteObject& other);
   KrRxCopyOnWriteObject& operator=(const KrRxCopyOnWriteObject& other);
-  ///@}
   /// The last wrapper sharing an object deletes it.
   ~KrRxCopyOnWriteObject() override;
 

@@ -80,7 +80,6 @@ class KR1ST_API KrRxDynamicLinker : public KrRxObject {
                        bool asCommand) = 0;
   /// Enters service under serviceName in the service dictionary, owned by the
   /// current module when one is current.
-  ///@{
   virtual KrRxObject* registerService(const wchar_t* serviceName, KrRxService* service) = 0;
   virtual bool unloadModule(const wchar_t* moduleName, bool asCommand) = 0;
   virtual bool unloadApp(const wchar_t* appName, bool asCommand) = 0;
@@ -103,15 +102,15 @@ class KR1ST_API KrRxDynamicLinker : public KrRxObject {
   virtual void* moduleHandlePtr(const wchar_t* moduleName) = 0;
   virtual bool sendAppMessage(const wchar_t* moduleName, KrRx::AppMsgCode code, void* packet,
                               KrRxGenHand* sender) = 0;
-  ///@}
 };
 
 /// The linker's operations for hosts and modules. Each finds the linker in the
 /// system registry and does nothing (false, null) when there is none.
 KR1ST_API bool krrxLoadModule(const wchar_t* name, bool printMessages, bool asCommand);
 /// Loads a registered application by name (load reason 8, no messages).
-///@{
 KR1ST_API bool krrxLoadApp(const wchar_t* appName, bool asCommand);
+/// Unloads a module, or a registered application's module, as a command or not; false when it stays.
+///@{
 KR1ST_API bool krrxUnloadModule(const wchar_t* name, bool asCommand);
 KR1ST_API bool krrxUnloadApp(const wchar_t* appName, bool asCommand);
 ///@}
@@ -121,14 +120,18 @@ KR1ST_API bool krrxAppIsLoaded(const wchar_t* appName);
 /// Sends code and packet to the module name on behalf of the current module.
 KR1ST_API bool krrxSendAppMessage(const wchar_t* name, KrRx::AppMsgCode code, void* packet);
 /// appId is the module's own KrRxGenHand, the packet of its kAppMsgInit.
-///@{
 KR1ST_API bool krrxLockApplication(void* appId);
+/// Lets the module appId be unloaded by command; false for an unknown module.
 KR1ST_API bool krrxUnlockApplication(void* appId);
+/// Whether the loaded module name is locked; false when it is not loaded.
 KR1ST_API bool krrxApplicationIsLocked(const wchar_t* name);
+/// Declares the module appId able, or not able, to work with several documents.
+///@{
 KR1ST_API bool krrxRegisterAppMDIAware(void* appId);
 KR1ST_API bool krrxRegisterAppNotMDIAware(void* appId);
-KR1ST_API bool krrxIsAppMDIAware(const wchar_t* name);
 ///@}
+/// Whether the loaded module name declared itself MDI-aware.
+KR1ST_API bool krrxIsAppMDIAware(const wchar_t* name);
 /// Monitors hear about loads before the other reactors; true when the linker exists.
 ///@{
 KR1ST_API bool krrxAddDbAppMonitor(KrRxDLinkerReactor* monitor);

@@ -34,28 +34,22 @@ class KR1ST_API KrRxGenHand : public KrRxGenVoid {
 
   /// A record without module, locked, without references; its application
   /// data dictionary comes from the kernel service.
-  ///@{
   KrRxGenHand();
   KrRxGenHand(const KrRxGenHand&) = delete;
   KrRxGenHand& operator=(const KrRxGenHand&) = delete;
   ~KrRxGenHand() override;
-  ///@}
 
   /// Stores the module handle, looks up its "krrxEntryPoint" and reads the
   /// module file's version resource. Null clears handle and entry point but
   /// keeps the last version block.
-  ///@{
   void setVal(void* moduleHandle);
   KrRxAppEntryPoint entryPoint() const { return mpEntryPoint; }
-  ///@}
   /// The module file's version resource (a global memory block), or null.
   void* versionInfo() const { return mpVersionInfo; }
 
   /// The module's file name without directory ("" until set).
-  ///@{
   const wchar_t* FileName() const { return mFileName; }
   void setfileName(const wchar_t* name);
-  ///@}
 
   unsigned int appStatusFlags() const { return mStatusFlags; }
   void setStatusFlag(StatusFlags flag, bool on);
@@ -68,11 +62,9 @@ class KR1ST_API KrRxGenHand : public KrRxGenVoid {
   /// The application names the module was loaded under, each counted: adding
   /// a name present already (ignoring case) counts it up, removing counts it
   /// down and drops it at zero.
-  ///@{
   void addLogicalAppName(const wchar_t* name);
   void removeLogicalAppName(const wchar_t* name);
   bool hasLogicalAppName(const wchar_t* name) const;
-  ///@}
   /// The first name, or null.
   const wchar_t* logicalAppName() const;
 
@@ -80,19 +72,15 @@ class KR1ST_API KrRxGenHand : public KrRxGenVoid {
   void setLoadReason(KesuApp::LoadReasons reason) { mLoadReason = reason; }
 
   /// The UI reference: set while the module is loaded by command.
-  ///@{
   bool uiAddRef() { return mUiRef = true; }
   bool uiRelease() { return mUiRef = false; }
   bool uiValue() const { return mUiRef; }
-  ///@}
 
   /// The API reference count; returns the new count. apiAddRef throws
   /// std::overflow_error at 65535, apiRelease std::underflow_error at 0.
-  ///@{
   unsigned short apiAddRef();
   unsigned short apiRelease();
   unsigned short apiValue() const { return mApiRefs; }
-  ///@}
 
   /// The module's application data, by key; null when the kernel service was missing.
   KrRxDictionary* dictionary() const { return mpAppData; }
@@ -121,10 +109,8 @@ class KR1ST_API KrRxGenHand : public KrRxGenVoid {
 
   static KrRxGenHand* curModule() { return mCurModule; }
   /// Makes module current; returns the previous one.
-  ///@{
   static KrRxGenHand* setCurModule(KrRxGenHand* module);
   static KrRx::AppMsgCode curMsgCode() { return mCurMsgCode; }
-  ///@}
 
   static KrRxGenHand* mCurModule;
   static KrRx::AppMsgCode mCurMsgCode;

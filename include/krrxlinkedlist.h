@@ -24,10 +24,8 @@ class KR1ST_API KrRxGenLinkedList : public KrRxObject {
 
   /// The first and last objects. The list must not be empty: check
   /// numEntries() first.
-  ///@{
   KrRxObject* getFirstEntry() const;
   KrRxObject* getLastEntry() const;
-  ///@}
 
   void addNewFirstEntry(KrRxObject* object);
   void addNewLastEntry(KrRxObject* object);
@@ -36,26 +34,20 @@ class KR1ST_API KrRxGenLinkedList : public KrRxObject {
   /// first (last) node's link to the dropped node as it was, and the far end
   /// of a list they empty: after removeFirstEntry do not walk backward (after
   /// removeLastEntry not forward) until an entry is added at that end again.
-  ///@{
   bool removeFirstEntry();
   bool removeLastEntry();
-  ///@}
 
   /// Insert after (before) the iterator's current entry; nothing when the
   /// iterator is null or done. The iterator must walk this list.
-  ///@{
   void addAfterIterator(KrRxGenLinkedListIterator* it, KrRxObject* object);
   void addBeforeIterator(KrRxGenLinkedListIterator* it, KrRxObject* object);
-  ///@}
   /// Moves the iterator on, then removes the entry it was on; false when the
   /// iterator is null or done.
   bool removeAtIterator(KrRxGenLinkedListIterator* it);
 
   /// A new iterator from the first (forward) or last entry that the caller deletes.
-  ///@{
   KrRxGenLinkedListIterator* newIterator(bool forward = true) const;
   unsigned int numEntries() const;
-  ///@}
 
  private:
   struct Node : KrHeapOperators {
@@ -68,12 +60,10 @@ class KR1ST_API KrRxGenLinkedList : public KrRxObject {
   Node* first() const { return mCount ? mpHead : nullptr; }
   Node* last() const { return mCount ? mpTail : nullptr; }
   /// Links a new node between prev and next (null meaning the list's ends).
-  ///@{
   void insertBetween(Node* prev, Node* next, KrRxObject* object);
   void insertBefore(Node* node, KrRxObject* object);
   void insertAfter(Node* node, KrRxObject* object);
   void unlink(Node* node);
-  ///@}
 
   Node* mpHead;
   Node* mpTail;

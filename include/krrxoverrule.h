@@ -43,11 +43,9 @@ class KR1ST_API KrRxOverrule : public KrRxOverruleBase {
   /// consulted first; with addAtLast it is consulted after all others.
   static Kesu::ErrorStatus addOverrule(KrRxClass* cls, KrRxOverrule* overrule, bool addAtLast = false);
   /// 0; 22 (eKeyNotFound) when cls has no list of its own or overrule is not in it.
-  ///@{
   static Kesu::ErrorStatus removeOverrule(KrRxClass* cls, KrRxOverrule* overrule);
   static void setIsOverruling(bool isOverruling);
   static bool isOverruling();
-  ///@}
   /// True exactly when the switch is on and an overrule of overruleClass applies to object.
   static bool hasOverrule(const KrRxObject* object, KrRxClass* overruleClass);
 };

@@ -16,16 +16,12 @@ class KR1ST_API KrRxService : public KrRxObject {
 
  public:
   /// The owning module is the module current at construction.
-  ///@{
   KrRxService();
   ~KrRxService() override;
-  ///@}
 
   /// The owning module's handle (a KrRxGenHand), or whatever was set.
-  ///@{
   KrRxObject* getSysInfo() const;
   void setSysInfo(KrRxObject* sysInfo);
-  ///@}
 
   /// Counts a dependant; the owning module hears message 10 when the first
   /// arrives. Throws std::overflow_error when the counter is full.
@@ -50,25 +46,20 @@ class KR1ST_API KrRxKernel : public KrRxService {
 
  public:
   /// Unsorted, case-sensitive, not owning, accepting only kinds of requiredClass.
-  ///@{
   virtual KrRxDictionary* newKrRxDictionary(const KrRxClass* requiredClass) = 0;
   virtual KrRxDictionary* newKrRxDictionary(unsigned int length, bool deleteObjects, bool sorted,
                                             bool ignoreCase) = 0;
   virtual KrRxDictionary* newKrRxDictionary(bool sorted, bool ignoreCase) = 0;
-  ///@}
   /// A set that accepts only kinds of requiredClass.
-  ///@{
   virtual KrRxSet* newKrRxSet(bool deleteObjects, const KrRxClass* requiredClass) = 0;
   virtual KrRxSet* newKrRxSet(bool deleteObjects) = 0;
   virtual KrRxSet* newKrRxSet() = 0;
-  ///@}
 };
 
 /// Registers a plain service under name through the dynamic linker; null
 /// when there is no linker.
-///@{
 KR1ST_API KrRxObject* krrxRegisterService(const wchar_t* name);
+/// Whether a service of that name is in the service dictionary.
 KR1ST_API bool krrxServiceIsRegistered(const wchar_t* name);
-///@}
 /// The address of symbolName exported by the module that registered serviceName.
 KR1ST_API void* krrxGetServiceSymbolAddr(wchar_t* serviceName, char* symbolName);
