@@ -70,33 +70,49 @@ class KR1ST_API KesuAppInfo : public KrRxObject {
 
  public:
   KesuAppInfo() = default;
+  /// A record of appName with the load-control flags given; copies are independent.
+  ///@{
   explicit KesuAppInfo(const wchar_t* appName, unsigned int loadCtrls = KesuApp::kLoadDisabled);
   KesuAppInfo(const KesuAppInfo& other) = default;
   KesuAppInfo& operator=(const KesuAppInfo& other) = default;
+  ///@}
   ~KesuAppInfo() override;
 
   /// The texts are never null.
+  ///@{
   const wchar_t* appName() const { return mAppName.kwszPtr(); }
   void setAppName(const wchar_t* name) { mAppName = name; }
   const wchar_t* appDesc() const { return mDescription.kwszPtr(); }
   void setAppDesc(const wchar_t* description) { mDescription = description; }
+  ///@}
   /// The module file that "LOADER" names.
+  ///@{
   const wchar_t* moduleName() const { return mModuleName.kwszPtr(); }
   void setModuleName(const wchar_t* moduleName) { mModuleName = moduleName; }
+  ///@}
   /// The load-control flags; 0x10 (the default) means never loaded on demand.
+  ///@{
   unsigned int loadCtrls() const { return mLoadCtrls; }
   void setLoadCtrls(unsigned int flags) { mLoadCtrls = flags; }
+  ///@}
+  /// Why the application was loaded, and the result of the last registry operation.
+  ///@{
   KesuApp::LoadReasons loadReason() const { return mLoadReason; }
   void setLoadReason(KesuApp::LoadReasons reason) { mLoadReason = reason; }
   KesuApp::ErrorStatus status() const { return mStatus; }
+  ///@}
 
+  /// The function that loads the application (see runAppLoader).
   void setAppLoader(KesuAppLoader loader) { mAppLoader = loader; }
   /// Calls the application loader with this record; false when there is none.
   bool runAppLoader() const;
 
   /// Fixed answers: records are never managed and implement nothing by name.
+  ///@{
   bool managed() const { return false; }
   void setManaged(bool) {}
+  ///@}
+  /// Always false: records implement nothing by name.
   bool appImplements(const wchar_t*) const { return false; }
 
   /// Fills the record from the first application key of the search order.
@@ -121,8 +137,10 @@ class KR1ST_API KesuAppInfo : public KrRxObject {
   KesuApp::ErrorStatus enumerateFromRegistry(int index);
   /// Groups and commands are not kept in the registry: both write nothing and
   /// give eNotSupported.
+  ///@{
   KesuApp::ErrorStatus writeGroupNameToRegistry(const wchar_t* groupName);
   KesuApp::ErrorStatus writeCommandNameToRegistry(const wchar_t* globalName, const wchar_t* localName);
+  ///@}
 
  private:
   KrString mAppName;
@@ -140,14 +158,18 @@ class KR1ST_API KesuAppRegistry : public KrRxObject {
 
  public:
   KesuAppRegistry() = default;
+  /// Copies hold their own list of names.
+  ///@{
   KesuAppRegistry(const KesuAppRegistry& other) = default;
   KesuAppRegistry& operator=(const KesuAppRegistry& other) = default;
+  ///@}
   ~KesuAppRegistry() override;
 
   /// Replaces the list with the application names found under every key and
   /// hive of the search order, in that order, each name once (names differing
   /// only in case are one name). Returns the count.
   int enumerate();
+  /// The number of names enumerate found.
   int keyCount() const { return static_cast<int>(mNames.size()); }
   /// The index-th name, or null when index is out of range.
   const wchar_t* keyName(int index) const;

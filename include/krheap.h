@@ -24,6 +24,8 @@ KR1ST_API void* __krCalloc(size_t count, size_t size);
 /// runtime's new handler had its chance; every delete is free().
 class KR1ST_API KrHeapOperators {
  public:
+  /// Allocation from the runtime's heap (the file and line forms are for debug builds and ignore both); release with free().
+  ///@{
   static void* operator new(size_t size);
   static void* operator new[](size_t size);
   static void* operator new(size_t size, const char* file, int line);
@@ -32,6 +34,7 @@ class KR1ST_API KrHeapOperators {
   static void operator delete[](void* p);
   static void operator delete(void* p, const char* file, int line);
   static void operator delete[](void* p, const char* file, int line);
+  ///@}
 
  private:
   static void* allocRawMem(size_t size);

@@ -24,6 +24,7 @@ class KR1ST_API KrRfArray : public KrRxObject {
 
   /// The class of the values that getAt and setAt take.
   virtual KrRxClass* elementType() const = 0;
+  /// The number of elements.
   virtual int length() const = 0;
   /// Writes element index into value: eInvalidIndex outside 0..length-1,
   /// eWrongObjectType when value is not of the element class.
@@ -34,8 +35,11 @@ class KR1ST_API KrRfArray : public KrRxObject {
   /// (also when start is not below length() or the element class cannot be made).
   virtual int find(const KrRxObject* value, int start) const;
 
+  /// Whether there are no elements, and whether one isEqualTo value.
+  ///@{
   bool isEmpty() const { return length() == 0; }
   bool contains(const KrRxObject* value) const { return find(value, 0) >= 0; }
+  ///@}
 };
 
 /// A growable array of T whose elements are handed out as values of the
@@ -44,8 +48,11 @@ template <typename T, typename E>
 class KrRfValueArrayT : public KrRfArray {
  public:
   KrRfValueArrayT() = default;
+  /// Copies other's elements.
+  ///@{
   KrRfValueArrayT(const KrRfValueArrayT& other) { *this = other; }
   KrRfValueArrayT& operator=(const KrRfValueArrayT& other) {
+  ///@}
     if (this != &other) {
       mLength = 0;
       for (int i = 0; i < other.mLength; ++i) append(other.mpData[i]);
@@ -57,18 +64,23 @@ class KrRfValueArrayT : public KrRfArray {
   /// The registered class of this array kind and its parent class
   /// (specialised per kind).
   static const wchar_t* className();
+  /// The name of the array kind's parent class.
   static const wchar_t* parentName();
+  /// The array kind's descriptor, looked up by className() once.
   static KrRxClass* desc() {
     if (!gpDesc) gpDesc = krrxFindKrRxClass(className());
     return gpDesc;
   }
+  /// obj when it is a kind of this array class, else null.
   static KrRfValueArrayT* cast(KrRxObject* obj) {
     return obj && obj->isKindOf(desc()) ? static_cast<KrRfValueArrayT*>(obj) : nullptr;
   }
+  /// obj when it is a kind of this array class, else null.
   static const KrRfValueArrayT* cast(const KrRxObject* obj) {
     return obj && obj->isKindOf(desc()) ? static_cast<const KrRfValueArrayT*>(obj) : nullptr;
   }
   KrRxClass* isA() const override { return desc(); }
+  /// A new empty array, for the class descriptor.
   static KrRxObject* pseudoConstructor() { return new KrRfValueArrayT(); }
   /// Registers the class under className() with parentName(); reports
   /// "<name>::rxInit() called twice!" when the class is registered already.
@@ -110,9 +122,12 @@ class KrRfValueArrayT : public KrRfArray {
     mpData[mLength++] = element;
     return Kesu::eOk;
   }
+  /// Element index, unchecked, and the room before the array grows.
+  ///@{
   T& operator[](int index) { return mpData[index]; }
   const T& operator[](int index) const { return mpData[index]; }
   int capacity() const { return mCapacity; }
+  ///@}
 
  private:
   static KrRxClass* gpDesc;

@@ -85,8 +85,13 @@ class KR1ST_API KrRfArrayPropertyDerivationPE : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRfArrayPropertyDerivationPE);
 
  public:
+  /// Whether element index of property p of object can take its value from a source object, and of which class that source is.
+  ///@{
   virtual bool isDerivable(const KrRfProperty* p, const KrRxObject* object, int index) const = 0;
   virtual KrRxClass* sourceClass(const KrRfProperty* p) const = 0;
+  ///@}
+  /// Marks element index as derived or not; tells whether it is and from which source; sets the source; reads the value the source gives.
+  ///@{
   virtual Kesu::ErrorStatus setDerived(const KrRfProperty* p, KrRxObject* object, int index, bool derived) const = 0;
   virtual bool isDerived(const KrRfProperty* p, const KrRxObject* object, int index,
                          const KrRxObject*& source) const = 0;
@@ -94,4 +99,5 @@ class KR1ST_API KrRfArrayPropertyDerivationPE : public KrRxObject {
                                       const KrRxObject* source) const = 0;
   virtual Kesu::ErrorStatus getDerivedValue(const KrRfProperty* p, const KrRxObject* object, int index,
                                             const KrRxObject* source, KrRxObject* value) const = 0;
+  ///@}
 };

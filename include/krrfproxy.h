@@ -30,9 +30,11 @@ class KR1ST_API KrRfProxy : public KrRxObject {
   /// kNotOrderable unless other is a proxy; else the two objects' addresses in order.
   KrRx::Ordering comparedTo(const KrRxObject* other) const override;
 
+  /// The object the proxy stands for, or null.
   virtual KrRxObject* object() const = 0;
   /// The class the object must be a kind of.
   virtual KrRxClass* objectType() const = 0;
+  /// The proxy's flags (kOwnsObject, kCloneOnCopy and the like).
   virtual unsigned int flags() const = 0;
   /// Replaces the object (destroying an owned one): eWrongObjectType when it
   /// is not a kind of objectType(); a reference refuses null with eInvalidInput.
@@ -56,12 +58,16 @@ class KR1ST_API KrRfProxyObject : public KrRfProxy {
   void setFlags(unsigned int value, unsigned int mask);
 
  protected:
+  /// Stands for object, owning it when own is true.
   KrRfProxyObject(KrRxObject* object, bool own);
   KrRfProxyObject(const KrRfProxyObject&) = delete;
   KrRfProxyObject& operator=(const KrRfProxyObject&) = delete;
 
+  /// The object and the flags.
+  ///@{
   KrRxObject* mpObject;
   unsigned int mFlags;
+  ///@}
 };
 
 /// A pointer: may be null; copying from a pointer flagged kCloneOnCopy clones.
@@ -69,6 +75,7 @@ class KR1ST_API KrRfPointer : public KrRfProxyObject {
   KRRX_DECLARE_MEMBERS(KrRfPointer);
 
  public:
+  /// Points at object (null allowed), owning it when own is true.
   explicit KrRfPointer(KrRxObject* object = nullptr, bool own = false);
 
   /// eNotSupported unless other is a pointer. Takes a clone (owned) when
@@ -83,6 +90,7 @@ class KR1ST_API KrRfReference : public KrRfProxyObject {
   KRRX_DECLARE_MEMBERS(KrRfReference);
 
  public:
+  /// Refers to object, owning it when own is true.
   explicit KrRfReference(KrRxObject* object = nullptr, bool own = false);
 
   /// eInvalidInput for a null object; otherwise as for any proxy.
@@ -99,6 +107,7 @@ class KR1ST_API KrRfPointerT : public KrRfPointer {
   KRRX_DECLARE_MEMBERS(KrRfPointerT);
 
  public:
+  /// Points at an O (null allowed), owning it when own is true.
   explicit KrRfPointerT(O* object = nullptr, bool own = false) : KrRfPointer(object, own) {}
 
   O* object() const override { return static_cast<O*>(mpObject); }

@@ -26,8 +26,11 @@ class KR1ST_API KrRfReflectionReactor : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRfReflectionReactor);
 
  public:
+  /// A symbol joined, or is about to leave, a class's reflection extension.
+  ///@{
   virtual void symbolAdded(KrRfSymbol* symbol) = 0;
   virtual void symbolRemoved(KrRfSymbol* symbol) = 0;
+  ///@}
 };
 
 /// The service "ReflectionServices": each class's reflection extension, and properties by GUID.
@@ -81,6 +84,7 @@ class KR1ST_API KrRfReflectionPE : public KrRxObject {
   KrRfSymbol* symbolAt(const GUID& guid) const;
   /// As symbolAt, null also when the symbol is not a property.
   KrRfProperty* propertyAt(const wchar_t* name) const;
+  /// The property of that GUID among the class's own symbols, or null.
   KrRfProperty* propertyAt(const GUID& guid) const;
 };
 

@@ -45,8 +45,10 @@ class KR1ST_API KrRfValue : public KrRxObject {
   /// Size of the held value in bytes.
   virtual unsigned int sizeOf() const = 0;
   /// Where the held value lies.
+  ///@{
   virtual void* addressOf() = 0;
   virtual const void* addressOf() const = 0;
+  ///@}
 };
 
 /// A value that converts to and from the ten numeric kinds. Every operation
@@ -58,6 +60,8 @@ class KR1ST_API KrRfNumber : public KrRfValue {
  public:
   ~KrRfNumber() override;
 
+  /// The value converted into the destination type; eOutOfRange when it does not fit (value unchanged).
+  ///@{
   virtual Kesu::ErrorStatus toUInt8(unsigned char& value) const = 0;
   virtual Kesu::ErrorStatus toInt8(signed char& value) const = 0;
   virtual Kesu::ErrorStatus toUInt16(unsigned short& value) const = 0;
@@ -68,7 +72,10 @@ class KR1ST_API KrRfNumber : public KrRfValue {
   virtual Kesu::ErrorStatus toInt64(__int64& value) const = 0;
   virtual Kesu::ErrorStatus toFloat(float& value) const = 0;
   virtual Kesu::ErrorStatus toDouble(double& value) const = 0;
+  ///@}
 
+  /// Sets the value from the source type; eOutOfRange when it does not fit (value unchanged).
+  ///@{
   virtual Kesu::ErrorStatus fromUInt8(unsigned char value) = 0;
   virtual Kesu::ErrorStatus fromInt8(signed char value) = 0;
   virtual Kesu::ErrorStatus fromUInt16(unsigned short value) = 0;
@@ -79,9 +86,11 @@ class KR1ST_API KrRfNumber : public KrRfValue {
   virtual Kesu::ErrorStatus fromInt64(__int64 value) = 0;
   virtual Kesu::ErrorStatus fromFloat(float value) = 0;
   virtual Kesu::ErrorStatus fromDouble(double value) = 0;
+  ///@}
 
   /// One step up or down: 1 for integers, one unit in the last place for floats.
   virtual Kesu::ErrorStatus increment() = 0;
+  /// One step down; eOutOfRange at the type's minimum.
   virtual Kesu::ErrorStatus decrement() = 0;
 };
 
@@ -96,14 +105,15 @@ class KR1ST_API KrRfValueAbstractT : public Base {
   /// kNotOrderable unless other is a Base; else orders this value against the
   /// other's stored T (kNotOrderable when a NaN makes them unordered).
   KrRx::Ordering comparedTo(const KrRxObject* other) const override;
+  /// The size of T.
   unsigned int sizeOf() const override;
 
-  T& value() { return *static_cast<T*>(this->addressOf()); }
-  const T& value() const { return *static_cast<const T*>(this->addressOf()); }
-  operator T&() { return value(); }
-  operator const T&() const { return value(); }
-  T* operator->() { return &value(); }
-  const T* operator->() const { return &value(); }
+  T& value() { return *static_cast<T*>(this->addressOf()); }  ///< the held T
+  const T& value() const { return *static_cast<const T*>(this->addressOf()); }  ///< the held T, read only
+  operator T&() { return value(); }  ///< the held T
+  operator const T&() const { return value(); }  ///< the held T, read only
+  T* operator->() { return &value(); }  ///< the held T's members
+  const T* operator->() const { return &value(); }  ///< the held T's members, read only
 };
 
 /// Holds the T as the one field right behind the object header.
@@ -111,26 +121,27 @@ template <typename T, typename Base>
 class KR1ST_API KrRfValueBaseT : public KrRfValueAbstractT<T, Base> {
  public:
   KrRfValueBaseT() : mValue() {}
-  KrRfValueBaseT(const T& value) : mValue(value) {}
-  KrRfValueBaseT(const KrRfValueBaseT& other) = default;
+  KrRfValueBaseT(const T& value) : mValue(value) {}  ///< holds value
+  KrRfValueBaseT(const KrRfValueBaseT& other) = default;  ///< holds other's value
 
   /// eInvalidInput unless other is a Base; else takes the other's stored T.
   Kesu::ErrorStatus copyFrom(const KrRxObject* other) override;
   /// False unless other is a Base; else == on the other's stored T.
   bool isEqualTo(const KrRxObject* other) const override;
-  void* addressOf() override;
-  const void* addressOf() const override;
+  void* addressOf() override;  ///< where the held T lies
+  const void* addressOf() const override;  ///< where the held T lies
 
-  T& value() { return mValue; }
-  const T& value() const { return mValue; }
-  operator T&() { return mValue; }
-  operator const T&() const { return mValue; }
-  T* operator->() { return &mValue; }
-  const T* operator->() const { return &mValue; }
-  T& operator=(const T& value) { return mValue = value; }
-  T& operator=(const KrRfValueBaseT& other) { return mValue = other.mValue; }
+  T& value() { return mValue; }  ///< the held T
+  const T& value() const { return mValue; }  ///< the held T, read only
+  operator T&() { return mValue; }  ///< the held T
+  operator const T&() const { return mValue; }  ///< the held T, read only
+  T* operator->() { return &mValue; }  ///< the held T's members
+  const T* operator->() const { return &mValue; }  ///< the held T's members, read only
+  T& operator=(const T& value) { return mValue = value; }  ///< sets the held T
+  T& operator=(const KrRfValueBaseT& other) { return mValue = other.mValue; }  ///< takes other's held T
 
  protected:
+  /// The held value, right behind the object header.
   T mValue;
 };
 
@@ -145,6 +156,8 @@ class KR1ST_API KrRfNumberT : public KrRfValueBaseT<T, KrRfNumber> {
   using KrRfValueBaseT<T, KrRfNumber>::KrRfValueBaseT;
   using KrRfValueBaseT<T, KrRfNumber>::operator=;
 
+  /// The conversions by the rules above.
+  ///@{
   Kesu::ErrorStatus toUInt8(unsigned char& value) const override;
   Kesu::ErrorStatus toInt8(signed char& value) const override;
   Kesu::ErrorStatus toUInt16(unsigned short& value) const override;
@@ -166,10 +179,12 @@ class KR1ST_API KrRfNumberT : public KrRfValueBaseT<T, KrRfNumber> {
   Kesu::ErrorStatus fromInt64(__int64 value) override;
   Kesu::ErrorStatus fromFloat(float value) override;
   Kesu::ErrorStatus fromDouble(double value) override;
+  ///@}
 
   /// eOutOfRange at the type's maximum (increment) or minimum (decrement);
   /// for floats also at infinities and NaN.
   Kesu::ErrorStatus increment() override;
+  /// One step down, by the rules above.
   Kesu::ErrorStatus decrement() override;
 };
 

@@ -32,6 +32,8 @@ class KR1ST_API KrRxClass : public KrRxObject {
   /// Case-sensitive, code-unit order of the names; kNotOrderable against a non-descriptor.
   KrRx::Ordering comparedTo(const KrRxObject* other) const override;
 
+  /// What the class was registered with: name, parent, descendants, application and DXF names, callback, proxy flags and versions.
+  ///@{
   const wchar_t* name() const;
   KrRxClass* myParent() const;
   KrRxSet* descendants() const;
@@ -40,12 +42,16 @@ class KR1ST_API KrRxClass : public KrRxObject {
   KrRxAppNameCallback appNameCallbackPtr() const;
   int proxyFlags() const;
   void getClassVersion(int& version, int& maintenanceVersion) const;
+  ///@}
 
   /// A new default instance, or null for an abstract class.
   KrRxObject* create() const;
 
+  /// True when the class (this, or cls) is other or derives from it; false for null.
+  ///@{
   bool isDerivedFrom(const KrRxClass* other) const;
   static bool isDerivedFrom(const KrRxClass* cls, const KrRxClass* other);
+  ///@}
 
   /// Attaches (or with null detaches) the protocol object for protocolClass on
   /// this very class; returns the object attached before, or null.
@@ -57,6 +63,7 @@ class KR1ST_API KrRxClass : public KrRxObject {
   /// Detaches this class's own object for protocolClass and returns it.
   KrRxObject* delX(const KrRxClass* protocolClass);
 
+  /// The runtime's own part of the descriptor.
   KrRxImpClass* impObj() const { return mpImp; }
 
  private:

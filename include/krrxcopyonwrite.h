@@ -16,8 +16,10 @@ class KR1ST_API KrRxCopyOnWriteObject : public KrRxObject {
   /// Takes ownership of object.
   explicit KrRxCopyOnWriteObject(KrRxObject* object);
   /// Shares other's object.
+  ///@{
   KrRxCopyOnWriteObject(const KrRxCopyOnWriteObject& other);
   KrRxCopyOnWriteObject& operator=(const KrRxCopyOnWriteObject& other);
+  ///@}
   /// The last wrapper sharing an object deletes it.
   ~KrRxCopyOnWriteObject() override;
 
@@ -27,6 +29,7 @@ class KR1ST_API KrRxCopyOnWriteObject : public KrRxObject {
   int32_t shareCount() const;
 
  protected:
+  /// The shared object, for reading only.
   const KrRxObject* read() const;
   /// The object, unshared first, so that a change touches this wrapper only.
   KrRxObject* write();

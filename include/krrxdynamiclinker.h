@@ -49,12 +49,15 @@ class KR1ST_API KrRxDLinkerReactor : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxDLinkerReactor);
 
  public:
+  /// Before a module loads, once it has loaded, and when its load failed; the same for unloading.
+  ///@{
   virtual void rxAppWillBeLoaded(const wchar_t* moduleName);
   virtual void rxAppLoaded(const wchar_t* moduleName);
   virtual void rxAppLoadAborted(const wchar_t* moduleName);
   virtual void rxAppWillBeUnloaded(const wchar_t* moduleName);
   virtual void rxAppUnloaded(const wchar_t* moduleName);
   virtual void rxAppUnloadAborted(const wchar_t* moduleName);
+  ///@}
 };
 
 /// A reactor that is offered each module before it is loaded and may veto it.
@@ -62,6 +65,7 @@ class KR1ST_API KrRxDLinkerReactor2 : public KrRxDLinkerReactor {
   KRRX_DECLARE_MEMBERS(KrRxDLinkerReactor2);
 
  public:
+  /// Offered the mapped module before its real load; call veto() to refuse it.
   virtual void rxAppCouldBeLoaded(void* moduleHandle);
   /// Refuses the module being offered; an empty reason gives the standard message.
   void veto(const wchar_t* reason);
@@ -72,19 +76,33 @@ class KR1ST_API KrRxDynamicLinker : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxDynamicLinker);
 
  public:
+  /// The address of an exported symbol of a loaded module, or null.
+  ///@{
   virtual void* getSymbolAddress(const wchar_t* module, const wchar_t* symbol) const = 0;
   virtual void* getSymbolAddress(const wchar_t* module, const char* symbol) const = 0;
+  ///@}
+  /// Loads every module named in the start-up list file (the host's default when null); false when one failed.
   virtual bool initListedModules(const wchar_t* listFile) = 0;
+  /// Loads a module by name (trying .kra, .krx and .dll), or counts a reference when it is loaded; false on failure.
   virtual bool loadModule(const wchar_t* moduleName, bool printMessages, bool asCommand) = 0;
+  /// Loads the module of a registered application for reason.
   virtual bool loadApp(const wchar_t* appName, KesuApp::LoadReasons reason, bool printMessages,
                        bool asCommand) = 0;
   /// Enters service under serviceName in the service dictionary, owned by the
   /// current module when one is current.
   virtual KrRxObject* registerService(const wchar_t* serviceName, KrRxService* service) = 0;
+  /// Unloads a module, or a registered application's module; false when it stays (locked, vetoed, in use).
+  ///@{
   virtual bool unloadModule(const wchar_t* moduleName, bool asCommand) = 0;
   virtual bool unloadApp(const wchar_t* appName, bool asCommand) = 0;
+  ///@}
+  /// Adds or removes a reactor told about loads and unloads; the linker never owns it.
+  ///@{
   virtual void addReactor(KrRxDLinkerReactor* reactor) = 0;
   virtual void removeReactor(KrRxDLinkerReactor* reactor) = 0;
+  ///@}
+  /// A module's lock, MDI flag and busy flag, by file name or by its handle appId; false for unknown modules.
+  ///@{
   virtual bool isApplicationLocked(const wchar_t* moduleName) const = 0;
   virtual bool lockApplication(void* appId) const = 0;
   virtual bool unlockApplication(void* appId) const = 0;
@@ -93,13 +111,24 @@ class KR1ST_API KrRxDynamicLinker : public KrRxObject {
   virtual bool registerAppNotMDIAware(void* appId) const = 0;
   virtual bool isAppBusy(const wchar_t* moduleName) const = 0;
   virtual void setAppBusy(const wchar_t* moduleName, bool busy) const = 0;
+  ///@}
+  /// The host's product key and locale, as the host services give them.
+  ///@{
   virtual const wchar_t* ProductKey() const = 0;
   virtual unsigned int ProductLcid() const = 0;
+  ///@}
+  /// Registers a module the host has already loaded (its handle) as if the linker had loaded it.
   virtual bool loadApp(void* moduleHandle, KesuApp::LoadReasons reason, bool printMessages, bool asCommand) = 0;
+  /// A new iterator over the loaded-module table (key: file name, object: its KrRxGenHand) that the caller deletes.
   virtual KrRxDictionaryIterator* loadedModulesIterator() = 0;
+  /// Loads every registered application that triggerName triggers, or that loads for reason.
+  ///@{
   virtual bool loadApps(const wchar_t* triggerName) = 0;
   virtual bool loadApps(KesuApp::LoadReasons reason) = 0;
+  ///@}
+  /// The KrRxGenHand of a loaded module by file name, or null.
   virtual void* moduleHandlePtr(const wchar_t* moduleName) = 0;
+  /// Sends code and packet to the loaded module moduleName on behalf of sender; false when it fails or is not loaded.
   virtual bool sendAppMessage(const wchar_t* moduleName, KrRx::AppMsgCode code, void* packet,
                               KrRxGenHand* sender) = 0;
 };

@@ -40,11 +40,14 @@ enum KrXrefSubCommand : int;
 class KrDbObjectId {
  public:
   KrDbObjectId() = default;
+  /// The id of a handle, the handle, whether it is null, and equality by handle.
+  ///@{
   explicit KrDbObjectId(void* handle) : mpHandle(handle) {}
   void* handle() const { return mpHandle; }
   bool isNull() const { return mpHandle == nullptr; }
   bool operator==(const KrDbObjectId& other) const { return mpHandle == other.mpHandle; }
   bool operator!=(const KrDbObjectId& other) const { return mpHandle != other.mpHandle; }
+  ///@}
 
  private:
   void* mpHandle = nullptr;
@@ -58,8 +61,11 @@ class KR1ST_API KrRxEvent : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxEvent);
 
  public:
+  /// Adds or removes a listener; the event never owns it.
+  ///@{
   virtual void addReactor(KrRxEventReactor* reactor) = 0;
   virtual void removeReactor(KrRxEventReactor* reactor) = 0;
+  ///@}
 };
 
 /// The base of every listener; every callback does nothing.
@@ -67,6 +73,8 @@ class KR1ST_API KrRxEventReactor : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxEventReactor);
 
  public:
+  /// The host's database events, each named after what happened; the host calls them, a listener overrides those it needs.
+  ///@{
   virtual void databaseConstructed(KrDbDatabase* database);
   virtual void databaseToBeDestroyed(KrDbDatabase* database);
   virtual void fileOpened(KrDbDatabase* database, wchar_t* fileName);
@@ -127,4 +135,5 @@ class KR1ST_API KrRxEventReactor : public KrRxObject {
   virtual void preXrefLockFile(KrDbDatabase* database, KrDbObjectId blockId);
   virtual void beginUnitsChange(KrDbDatabase* database, const KrDb::UnitsValue& units, bool scaling);
   virtual void endUnitsChange(KrDbDatabase* database, const KrDb::UnitsValue& units, bool scaling);
+  ///@}
 };

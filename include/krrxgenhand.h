@@ -30,6 +30,7 @@ class KR1ST_API KrRxGenHand : public KrRxGenVoid {
   KRRX_DECLARE_MEMBERS(KrRxGenHand);
 
  public:
+  /// The bits of appStatusFlags().
   enum StatusFlags : unsigned int { kLocked = 0x1, kVetoed = 0x2, kMDIAware = 0x4 };
 
   /// A record without module, locked, without references; its application
@@ -43,50 +44,71 @@ class KR1ST_API KrRxGenHand : public KrRxGenVoid {
   /// module file's version resource. Null clears handle and entry point but
   /// keeps the last version block.
   void setVal(void* moduleHandle);
+  /// The module's krrxEntryPoint, or null.
   KrRxAppEntryPoint entryPoint() const { return mpEntryPoint; }
   /// The module file's version resource (a global memory block), or null.
   void* versionInfo() const { return mpVersionInfo; }
 
   /// The module's file name without directory ("" until set).
+  ///@{
   const wchar_t* FileName() const { return mFileName; }
   void setfileName(const wchar_t* name);
+  ///@}
 
+  /// The status flags, one flag set or cleared, and the veto flag set or cleared.
+  ///@{
   unsigned int appStatusFlags() const { return mStatusFlags; }
   void setStatusFlag(StatusFlags flag, bool on);
   void setVetoed() { setStatusFlag(kVetoed, true); }
   void clrVetoFlag() { setStatusFlag(kVetoed, false); }
+  ///@}
 
+  /// The busy flag, which the host keeps.
+  ///@{
   bool isAppBusy() const { return mBusy; }
   void setAppBusy(bool busy) { mBusy = busy; }
+  ///@}
 
   /// The application names the module was loaded under, each counted: adding
   /// a name present already (ignoring case) counts it up, removing counts it
   /// down and drops it at zero.
+  ///@{
   void addLogicalAppName(const wchar_t* name);
   void removeLogicalAppName(const wchar_t* name);
   bool hasLogicalAppName(const wchar_t* name) const;
   /// The first name, or null.
   const wchar_t* logicalAppName() const;
+  ///@}
 
+  /// Why the module was loaded.
+  ///@{
   KesuApp::LoadReasons loadReason() const { return mLoadReason; }
   void setLoadReason(KesuApp::LoadReasons reason) { mLoadReason = reason; }
+  ///@}
 
   /// The UI reference: set while the module is loaded by command.
+  ///@{
   bool uiAddRef() { return mUiRef = true; }
   bool uiRelease() { return mUiRef = false; }
   bool uiValue() const { return mUiRef; }
+  ///@}
 
   /// The API reference count; returns the new count. apiAddRef throws
   /// std::overflow_error at 65535, apiRelease std::underflow_error at 0.
+  ///@{
   unsigned short apiAddRef();
   unsigned short apiRelease();
   unsigned short apiValue() const { return mApiRefs; }
+  ///@}
 
   /// The module's application data, by key; null when the kernel service was missing.
   KrRxDictionary* dictionary() const { return mpAppData; }
 
+  /// The host's application table entry, kept and never read by the runtime.
+  ///@{
   RxTDSAppTableEntryType* getAppInfoPtr() const { return mpAppInfo; }
   void setAppInfoPtr(RxTDSAppTableEntryType* appInfo) { mpAppInfo = appInfo; }
+  ///@}
 
   /// False while a reference holds the module, or while a class of another
   /// module (or of the runtime) still derives from one of its classes.
@@ -107,13 +129,18 @@ class KR1ST_API KrRxGenHand : public KrRxGenVoid {
   /// stays); false when a fault was caught.
   bool executeInAppContext(void (*function)(void*), void* argument);
 
+  /// The module whose code the runtime is calling, or null.
   static KrRxGenHand* curModule() { return mCurModule; }
   /// Makes module current; returns the previous one.
   static KrRxGenHand* setCurModule(KrRxGenHand* module);
+  /// The message that module is handling.
   static KrRx::AppMsgCode curMsgCode() { return mCurMsgCode; }
 
+  /// The current module and message (see curModule and curMsgCode).
+  ///@{
   static KrRxGenHand* mCurModule;
   static KrRx::AppMsgCode mCurMsgCode;
+  ///@}
 
  private:
   int32_t findLogicalAppName(const wchar_t* name) const;

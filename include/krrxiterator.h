@@ -9,6 +9,7 @@ class KR1ST_API KrRxIterator : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxIterator);
 
  public:
+  /// True once every object has been visited.
   virtual bool done() const = 0;
   /// Moves on; false (without moving) when already done.
   virtual bool next() = 0;

@@ -24,29 +24,39 @@ class KR1ST_API KrRxGenLinkedList : public KrRxObject {
 
   /// The first and last objects. The list must not be empty: check
   /// numEntries() first.
+  ///@{
   KrRxObject* getFirstEntry() const;
   KrRxObject* getLastEntry() const;
+  ///@}
 
+  /// Adds object at the front (back) of the list.
+  ///@{
   void addNewFirstEntry(KrRxObject* object);
   void addNewLastEntry(KrRxObject* object);
+  ///@}
 
   /// Drop the first (last) entry; false on an empty list. They leave the new
   /// first (last) node's link to the dropped node as it was, and the far end
   /// of a list they empty: after removeFirstEntry do not walk backward (after
   /// removeLastEntry not forward) until an entry is added at that end again.
+  ///@{
   bool removeFirstEntry();
   bool removeLastEntry();
+  ///@}
 
   /// Insert after (before) the iterator's current entry; nothing when the
   /// iterator is null or done. The iterator must walk this list.
+  ///@{
   void addAfterIterator(KrRxGenLinkedListIterator* it, KrRxObject* object);
   void addBeforeIterator(KrRxGenLinkedListIterator* it, KrRxObject* object);
+  ///@}
   /// Moves the iterator on, then removes the entry it was on; false when the
   /// iterator is null or done.
   bool removeAtIterator(KrRxGenLinkedListIterator* it);
 
   /// A new iterator from the first (forward) or last entry that the caller deletes.
   KrRxGenLinkedListIterator* newIterator(bool forward = true) const;
+  /// The number of entries.
   unsigned int numEntries() const;
 
  private:
@@ -86,8 +96,11 @@ class KR1ST_API KrRxGenLinkedListIterator : public KrRxIterator {
   KrRxObject* object() const override;
 
  protected:
+  /// Starts on start (done when null).
+  ///@{
   typedef KrRxGenLinkedList::Node Node;
   explicit KrRxGenLinkedListIterator(Node* start) : mpNode(start) {}
+  ///@}
   /// Follows link from the current node; false (without moving) when done.
   bool moveAlong(Node* Node::*link);
 

@@ -18,7 +18,8 @@ enum AppRetCode : int { kRetOK = 0, kRetError = 3 };
 
 }  // namespace KrRx
 
-/// A module's exported "krrxEntryPoint".
+// A module's exported "krrxEntryPoint".
+/// A module's entry point: answers a message with its packet; kRetOK (0) is success.
 typedef KrRx::AppRetCode (*KrRxAppEntryPoint)(KrRx::AppMsgCode message, void* packet);
 
 namespace KesuApp {

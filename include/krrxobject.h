@@ -64,6 +64,7 @@ enum Ordering : int { kLessThan = -1, kEqual = 0, kGreaterThan = 1, kNotOrderabl
 class KR1ST_API KrRxObject : public KrHeapOperators {
  public:
   virtual ~KrRxObject();
+  /// The descriptor of this object's class.
   virtual KrRxClass* isA() const;
   /// A new object of the same class holding a copy of this one, or null.
   virtual KrRxObject* clone() const;
@@ -86,9 +87,12 @@ class KR1ST_API KrRxObject : public KrHeapOperators {
   /// The protocol object for this object's class (through any active overrule), or null.
   inline KrRxObject* queryX(const KrRxClass* protocolClass) const;
 
+  /// The descriptor of this class; cast gives obj when it is a kind of this class, else null.
+  ///@{
   static KrRxClass* desc();
   static KrRxObject* cast(KrRxObject* obj) { return obj; }
   static const KrRxObject* cast(const KrRxObject* obj) { return obj; }
+  ///@}
 
   friend class KrRxQueryXOverrule;
 

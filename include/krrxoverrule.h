@@ -44,8 +44,11 @@ class KR1ST_API KrRxOverrule : public KrRxOverruleBase {
   static Kesu::ErrorStatus addOverrule(KrRxClass* cls, KrRxOverrule* overrule, bool addAtLast = false);
   /// 0; 22 (eKeyNotFound) when cls has no list of its own or overrule is not in it.
   static Kesu::ErrorStatus removeOverrule(KrRxClass* cls, KrRxOverrule* overrule);
+  /// The process-wide switch: overrules act only while it is on.
+  ///@{
   static void setIsOverruling(bool isOverruling);
   static bool isOverruling();
+  ///@}
   /// True exactly when the switch is on and an overrule of overruleClass applies to object.
   static bool hasOverrule(const KrRxObject* object, KrRxClass* overruleClass);
 };
@@ -70,9 +73,12 @@ class KR1ST_API KrRxOverruleInternals : public KrRxObject {
   KrRxOverruleInternals();
   ~KrRxOverruleInternals() override;
 
+  /// The work behind KrRxOverrule's functions of the same names.
+  ///@{
   static Kesu::ErrorStatus addOverrule(KrRxClass* cls, KrRxOverrule* overrule, bool addAtLast);
   static Kesu::ErrorStatus removeOverrule(KrRxClass* cls, KrRxOverrule* overrule);
   static bool hasOverrule(const KrRxObject* object, KrRxClass* overruleClass);
+  ///@}
   /// The overrule of overruleClass that is to act for object, or null: the
   /// lists of object's class and its ancestors, most derived first, each
   /// from its newest entry back.
@@ -91,8 +97,8 @@ class KR1ST_API KrRxOverruleInternals : public KrRxObject {
   KrRxGrowArray<KrRxOverrule*>* mpOverrules;
 };
 
-/// With the switch off queryX is the plain table lookup, inline; with it on
-/// the first applicable query overrule decides.
+// With the switch off queryX is the plain table lookup, inline; with it on
+// the first applicable query overrule decides.
 inline KrRxObject* KrRxObject::queryX(const KrRxClass* protocolClass) const {
   return KrRxOverruleInternals::mIsOverruling ? overruledQueryX(protocolClass) : subQueryX(protocolClass);
 }

@@ -20,8 +20,10 @@ class KR1ST_API KrRxService : public KrRxObject {
   ~KrRxService() override;
 
   /// The owning module's handle (a KrRxGenHand), or whatever was set.
+  ///@{
   KrRxObject* getSysInfo() const;
   void setSysInfo(KrRxObject* sysInfo);
+  ///@}
 
   /// Counts a dependant; the owning module hears message 10 when the first
   /// arrives. Throws std::overflow_error when the counter is full.
@@ -32,8 +34,11 @@ class KR1ST_API KrRxService : public KrRxObject {
   /// True exactly when nothing depends on the service.
   bool unloadable() const;
 
+  /// The function told about the first and the last dependant instead of the owning module's entry point, or null.
+  ///@{
   KrRxAppEntryPoint dependencyFunctionPtr() const;
   void setDependencyFunctionPtr(KrRxAppEntryPoint fn);
+  ///@}
 
  private:
   KrRxServiceData* mpData;
@@ -47,13 +52,18 @@ class KR1ST_API KrRxKernel : public KrRxService {
  public:
   /// Unsorted, case-sensitive, not owning, accepting only kinds of requiredClass.
   virtual KrRxDictionary* newKrRxDictionary(const KrRxClass* requiredClass) = 0;
+  /// A dictionary with room for length entries, owning its objects or not, sorted or not, ignoring case or not.
   virtual KrRxDictionary* newKrRxDictionary(unsigned int length, bool deleteObjects, bool sorted,
                                             bool ignoreCase) = 0;
+  /// A dictionary that does not own its objects, sorted or not, ignoring case or not.
   virtual KrRxDictionary* newKrRxDictionary(bool sorted, bool ignoreCase) = 0;
   /// A set that accepts only kinds of requiredClass.
   virtual KrRxSet* newKrRxSet(bool deleteObjects, const KrRxClass* requiredClass) = 0;
+  /// A set owning its members or not (by default not), that accepts any object.
+  ///@{
   virtual KrRxSet* newKrRxSet(bool deleteObjects) = 0;
   virtual KrRxSet* newKrRxSet() = 0;
+  ///@}
 };
 
 /// Registers a plain service under name through the dynamic linker; null

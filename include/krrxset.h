@@ -16,10 +16,13 @@ class KR1ST_API KrRxSet : public KrRxObject {
   virtual bool add(KrRxObject* object) = 0;
   /// False when the object is not a member; deletes it when the set owns objects.
   virtual bool remove(KrRxObject* object) = 0;
+  /// Membership, emptying (deleting owned members), the count, and whether the set owns its members.
+  ///@{
   virtual bool isMember(KrRxObject* object) const = 0;
   virtual void removeAll() = 0;
   virtual unsigned int numEntries() const = 0;
   /// A new iterator (from the first or from the last member) that the caller deletes.
   virtual KrRxIterator* newIterator(bool forward = true) const = 0;
   virtual bool deletesObjects() const = 0;
+  ///@}
 };

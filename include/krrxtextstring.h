@@ -24,8 +24,11 @@ class KR1ST_API KrRxTextString : public KrRxObject {
   KrRxTextString(const wchar_t* text, int count);
   /// The first count units of other (all of it when count < 0).
   KrRxTextString(const KrRxTextString& other, int count);
+  /// Copies the whole text.
+  ///@{
   KrRxTextString(const KrRxTextString& other) = default;
   KrRxTextString& operator=(const KrRxTextString& other) = default;
+  ///@}
   ~KrRxTextString() override;
 
   KrRxObject* clone() const override;
@@ -42,16 +45,21 @@ class KR1ST_API KrRxTextString : public KrRxObject {
   virtual unsigned int len() const;
   /// Unit-wise comparison of the two texts.
   virtual KrRx::Ordering cmp(const KrRxTextString* other) const;
+  /// Replaces the text by other's, or appends other's text.
+  ///@{
   virtual void copy(const KrRxTextString* other);
   virtual void cat(const KrRxTextString* other);
+  ///@}
   /// The unit at index, 0 past the end.
   virtual wchar_t getChar(unsigned int index) const;
   /// False when index is past the end; a zero unit cuts the text to index
   /// units, any other replaces the unit at index.
   virtual bool setChar(unsigned int index, unsigned int unit);
+  /// Replaces the text (as cpyFromAscii).
   virtual KrRxTextString& operator=(const wchar_t* text);
   /// The text's own terminated buffer.
   virtual operator const wchar_t*() const;
+  /// The text's own terminated buffer, as the conversion gives it.
   virtual const wchar_t* getAsciiPtr() const;
   /// Replaces the text; null empties it and gives its heap storage back.
   virtual void cpyFromAscii(const wchar_t* text);
@@ -60,6 +68,7 @@ class KR1ST_API KrRxTextString : public KrRxObject {
 
   /// Empty the text, keeping its storage.
   void initStrData();
+  /// Empty the text and give its heap storage back.
   void killStrData();
 
  private:

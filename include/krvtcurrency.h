@@ -20,6 +20,7 @@ class KR1ST_API KrVtCurrency : public KrRfValueT<double> {
 
  public:
   KrVtCurrency() = default;
+  /// An amount of amount.
   KrVtCurrency(double amount) : KrRfValueT<double>(amount) {}
 };
 

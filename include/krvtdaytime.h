@@ -39,10 +39,10 @@ class KR1ST_API KrVtDaytime : public KrRfValueT<double> {
   /// Sets date and time from t and negates when tm_isdst is 0; since the
   /// value starts unset and setDate keeps it unset, the result is unset.
   explicit KrVtDaytime(const tm& t);
-  KrVtDaytime(const KrVtDaytime& other) = default;
-  KrVtDaytime(KrVtDaytime&& other) = default;
-  KrVtDaytime& operator=(const KrVtDaytime& other) = default;
-  KrVtDaytime& operator=(KrVtDaytime&& other) = default;
+  KrVtDaytime(const KrVtDaytime& other) = default;  ///< copies the day value
+  KrVtDaytime(KrVtDaytime&& other) = default;  ///< copies the day value
+  KrVtDaytime& operator=(const KrVtDaytime& other) = default;  ///< copies the day value
+  KrVtDaytime& operator=(KrVtDaytime&& other) = default;  ///< copies the day value
 
   /// Seconds since 1970 rounded half away from zero; model time gives the smallest __int64.
   operator __int64() const;

@@ -24,7 +24,8 @@ class KR1ST_API KrVtRatio : public KrRfValueT<double> {
   KRRX_DECLARE_MEMBERS(KrVtRatio);
 
  public:
-  KrVtRatio() = default;
+  KrVtRatio() = default;  ///< a ratio of 0
+  /// A ratio of ratio.
   KrVtRatio(double ratio) : KrRfValueT<double>(ratio) {}
 
   /// The nearest fraction with a denominator of at most 1,000,000 (continued
@@ -42,8 +43,11 @@ class KR1ST_API KrVtRatio : public KrRfValueT<double> {
 template <int N>
 class KrVtUnitsPer : public KrVtRatio {
  public:
+  /// The units in one whole, and the ratio's constructors.
+  ///@{
   static const int kUnitsPerWhole = N;
   using KrVtRatio::KrVtRatio;
+  ///@}
 };
 
 class KR1ST_API KrVtPercentage : public KrVtUnitsPer<100> {
