@@ -23,6 +23,7 @@
 #include "krrxsystem.h"
 #include "modules/KrRxFileBytes.h"
 #include "modules/KrRxGuardedCall.h"
+#include "modules/KrRxImportBinding.h"
 #include "modules/KrRxListFileReader.h"
 #include "modules/KrRxTrustCheck.h"
 #include "runtime/KrRxCoreClass.h"
@@ -306,7 +307,10 @@ void* KrRxImpDynamicLinker::loadModuleEx(const wchar_t* fileName, bool printMess
     if (printMessages) reportSystemError(GetLastError());
     return nullptr;
   }
-  if (!acceptsEntryProtocol(probe, fileName, printMessages)) {
+  std::string unbound;
+  bool bindable = krrxImportsBind(probe, unbound);
+  if (!acceptsEntryProtocol(probe, fileName, printMessages) || !bindable) {
+    if (!bindable && printMessages) reportSystemError(ERROR_PROC_NOT_FOUND);
     FreeLibrary(probe);
     return nullptr;
   }
