@@ -2,35 +2,19 @@
 
 #include "values/KrVtNumberFormattable.h"
 
-#include <cmath>
-#include <cstdio>
 #include <cwchar>
+#include <type_traits>
 
 #include "krrfvalue.h"
 #include "runtime/KrRxCoreClass.h"
 #include "values/KrVtText.h"
-
-namespace {
-
-// The C formats of the integer kinds; printing and scanning use the same one.
-template <typename T> const wchar_t* integerFormat();
-template <> const wchar_t* integerFormat<signed char>() { return L"%hhd"; }
-template <> const wchar_t* integerFormat<unsigned char>() { return L"%hhu"; }
-template <> const wchar_t* integerFormat<short>() { return L"%hd"; }
-template <> const wchar_t* integerFormat<unsigned short>() { return L"%hu"; }
-template <> const wchar_t* integerFormat<int>() { return L"%ld"; }
-template <> const wchar_t* integerFormat<unsigned int>() { return L"%lu"; }
-template <> const wchar_t* integerFormat<__int64>() { return L"%lld"; }
-template <> const wchar_t* integerFormat<unsigned __int64>() { return L"%llu"; }
-
-}  // namespace
 
 // KrVtBoolFormattable
 
 Kesu::ErrorStatus KrVtBoolFormattable::toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext*) {
   const KrVtBool* flag = KrVtBool::cast(object);
   if (!flag) return Kesu::eInvalidInput;
-  return KrVtText::printText(text, L"%ls", flag->value() ? L"Yes" : L"No");
+  return KrVtText::Composer().literal(flag->value() ? L"Yes" : L"No").copyTo(text);
 }
 
 Kesu::ErrorStatus KrVtBoolFormattable::fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext*) {
@@ -51,8 +35,7 @@ Kesu::ErrorStatus KrVtBoolFormattable::fromText(KrRxObject* object, const wchar_
 Kesu::ErrorStatus KrVtFloat64Formattable::toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext*) {
   const KrVtFloat64* number = KrVtFloat64::cast(object);
   if (!number) return Kesu::eInvalidInput;
-  double value = number->value();
-  return KrVtText::doubleToText(value, std::fabs(value) < 1e10 ? L"%.03f" : L"%.03E", text);
+  return KrVtText::doubleToText(number->value(), 3, KrVtText::kExponentFrom1e10, text);
 }
 
 Kesu::ErrorStatus KrVtFloat64Formattable::fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext*) {
@@ -68,7 +51,8 @@ Kesu::ErrorStatus KrVtIntegerFormattable<T>::toText(const KrRxObject* object, wc
                                                     const KrRxFormatContext*) {
   const KrRfValueT<T>* number = KrRfValueT<T>::cast(object);
   if (!number) return Kesu::eInvalidInput;
-  return KrVtText::printText(text, integerFormat<T>(), number->value());
+  using Wide = std::conditional_t<std::is_signed<T>::value, long long, unsigned long long>;
+  return KrVtText::Composer().integer(Wide(number->value())).copyTo(text);
 }
 
 template <typename T>
@@ -76,10 +60,7 @@ Kesu::ErrorStatus KrVtIntegerFormattable<T>::fromText(KrRxObject* object, const 
                                                       const KrRxFormatContext*) {
   KrRfValueT<T>* number = KrRfValueT<T>::cast(object);
   if (!number || !text) return Kesu::eInvalidInput;
-  T read = 0;
-  if (__mingw_swscanf(text, integerFormat<T>(), &read) != 1) return Kesu::eInvalidInput;
-  number->value() = read;
-  return Kesu::eOk;
+  return KrVtText::scanInteger(text, number->value()) ? Kesu::eOk : Kesu::eInvalidInput;
 }
 
 template class KrVtIntegerFormattable<signed char>;

@@ -1,6 +1,6 @@
 #pragma once
 // The text forms of the plain numbers: yes/no, the eight integer kinds and
-// Float64. Texts are printed and scanned with the C99 wide formats.
+// Float64, in the digits of their C formats.
 
 #include "krrxformattable.h"
 
