@@ -87,6 +87,13 @@ int main() {
   bench::sideBySide("krrxFormatObject KrVtInt32", formatting(&whole), "swprintf %ld to stack",
                     printing(L"%ld", whole.value()), 20000);
 
+  // The floor under any formatter that hands out a CRT heap text.
+  bench::sideBySide("malloc + free of an 8-character text", [](long long) {
+    void* block = malloc(9 * sizeof(wchar_t));
+    bench::keep(block);
+    free(block);
+  }, "swprintf %ld to stack", printing(L"%ld", whole.value()), 20000);
+
   auto parsing = [](KrRxObject* value, const wchar_t* text) {
     return [value, text](long long) { bench::keep(krrxParseObject(value, text, nullptr)); };
   };

@@ -241,11 +241,15 @@ bool readSpecialText(const wchar_t* text, Specials specials, double& v) {
   return true;
 }
 
+Composer& composeDouble(Composer& composer, double v, int decimals, DoubleForm form) {
+  if (const wchar_t* special = specialTextOf(v, kWithNegativeInfinity)) return composer.literal(special);
+  if (form == kExponentFrom1e10 && std::fabs(v) >= 1e10) return composer.exponent(v, decimals);
+  return composer.fixed(v, decimals);
+}
+
 Kesu::ErrorStatus doubleToText(double v, int decimals, DoubleForm form, wchar_t*& text) {
   Composer composer;
-  if (const wchar_t* special = specialTextOf(v, kWithNegativeInfinity)) return composer.literal(special).copyTo(text);
-  if (form == kExponentFrom1e10 && std::fabs(v) >= 1e10) return composer.exponent(v, decimals).copyTo(text);
-  return composer.fixed(v, decimals).copyTo(text);
+  return composeDouble(composer, v, decimals, form).copyTo(text);
 }
 
 Kesu::ErrorStatus doubleFromText(double& v, const wchar_t* text) {

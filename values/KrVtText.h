@@ -42,6 +42,9 @@ class Composer {
   Composer& exponent(double v, int decimals);
   // Appends a wide literal unchanged.
   Composer& literal(const wchar_t* text);
+  // The text so far, not terminated, and its length.
+  const wchar_t* text() const { return mText; }
+  unsigned length() const { return mLength; }
   // Stores a new block holding the text; eInvalidInput when it is empty,
   // eOutOfMemory when no block can be had (text then unchanged).
   Kesu::ErrorStatus copyTo(wchar_t*& text) const;
@@ -67,6 +70,8 @@ bool scanInteger(const wchar_t* text, T& v);
 enum DoubleForm { kFixed, kExponentFrom1e10 };
 // A double with all three special texts, else "%.<decimals>f", or
 // "%.<decimals>E" from 1e10 on where form asks for it.
+Composer& composeDouble(Composer& composer, double v, int decimals, DoubleForm form);
+// The same in a new block (see Composer::copyTo).
 Kesu::ErrorStatus doubleToText(double v, int decimals, DoubleForm form, wchar_t*& text);
 // A double read from one of the three special texts, else "%lf" must convert
 // one field; eInvalidInput otherwise and for a null text (v unchanged).
