@@ -27,7 +27,8 @@ const wchar_t* specialTextOf(double v, Specials specials);
 bool readSpecialText(const wchar_t* text, Specials specials, double& v);
 
 // A number text composed on the stack from the digits the C formats would
-// print, then copied into one new CRT heap block.
+// print, then copied into one new CRT heap block. Holds one number of any
+// size with a few short literals (352 characters in all).
 class Composer {
  public:
   Composer() : mLength(0) {}
