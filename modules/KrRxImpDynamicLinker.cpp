@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -220,7 +221,10 @@ KrRxImpDynamicLinker::~KrRxImpDynamicLinker() {
 KrRxObject* KrRxImpDynamicLinker::registerService(const wchar_t* serviceName, KrRxService* service) {
   if (KrRxGenHand* module = KrRxGenHand::curModule()) service->setSysInfo(module);
   KrRxDictionary* services = krrxServiceDictionary();
-  if (services->atPut(serviceName, service)) krrx_abort(L"ERROR: %ls service already registered", serviceName);
+  unsigned int id;
+  if (services->atPut(serviceName, service, id)) krrx_abort(L"ERROR: %ls service already registered", serviceName);
+  // A name that could not be copied leaves the service unregistered.
+  if (!services->has(id)) throw std::bad_alloc();
   return service;
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cwchar>
+#include <new>
 
 #include "krdiagnostics.h"
 #include "krrxdictionary.h"
@@ -68,7 +69,13 @@ KrRxImpClass::KrRxImpClass(KrRxClass* owner, const wchar_t* name, const wchar_t*
       mpPeTable(nullptr),
       mpInfo(&sEmptyInfo),
       mpReactorManager(nullptr) {
-  newClasses.append(this);
+  // A class that cannot keep its names or join the pending list fails as a
+  // whole, as its allocation would.
+  if ((name && !mpName) || (parentName && !mpParentName) || !newClasses.append(this)) {
+    __krFree(mpName);
+    __krFree(mpParentName);
+    throw std::bad_alloc();
+  }
 }
 
 KrRxImpClass::~KrRxImpClass() {
@@ -133,6 +140,12 @@ void KrRxImpClass::connectNewClasses(KrRxDictionary* dictionary) {
     KrRxImpClass* imp = newClasses.data[i];
     if (!imp) continue;
     KrRxObject* replaced = dictionary->atPut(imp->mpName, imp->mpOwner, imp->mDictionaryId);
+    // A failed key copy leaves the class out of the dictionary: it stays
+    // pending, before any class is linked that might name it as parent.
+    if (!dictionary->has(imp->mDictionaryId)) {
+      imp->mDictionaryId = 0;
+      throw std::bad_alloc();
+    }
     if (replaced && replaced != imp->mpOwner) imp->takeOver(static_cast<KrRxClass*>(replaced)->impObj());
   }
   bool deferred;
@@ -166,6 +179,7 @@ bool KrRxImpClass::connect(KrRxDictionary* dictionary) {
       updateTables(mExtensions.data[i].protocolClass, mExtensions.data[i].object);
   } else if (!mpPeTable) {
     mpPeTable = static_cast<KrRxProtocolTable*>(__krMalloc(sizeof(KrRxProtocolTable)));
+    if (!mpPeTable) throw std::bad_alloc();
     *mpPeTable = {this, {}};
   }
   if (const wchar_t* appName = mpModule ? logicalAppName() : nullptr) mpModule->addLogicalAppName(appName);
@@ -197,7 +211,16 @@ const wchar_t* KrRxImpClass::logicalAppName() const {
 
 bool KrRxImpClass::addDescendant(KrRxClass* cls) {
   if (!mpDescendants) mpDescendants = new KrRxImpSet(false);
-  return mpDescendants->add(cls);
+  try {
+    return mpDescendants->add(cls);
+  } catch (const std::bad_alloc&) {
+    // No empty set stays behind: it would mark this class as having descendants.
+    if (mpDescendants->numEntries() == 0) {
+      delete mpDescendants;
+      mpDescendants = nullptr;
+    }
+    throw;
+  }
 }
 
 bool KrRxImpClass::removeDescendant(KrRxClass* cls) {
@@ -284,14 +307,15 @@ bool KrRxImpClass::hasOwnExtension(const KrRxClass* protocolClass) const {
 int32_t KrRxImpClass::protocolSlotFor(const KrRxClass* protocolClass) {
   KrRxImpClass* protocol = impOf(protocolClass);
   if (protocol->mProtocolIndex) return protocol->mProtocolIndex;
-  if (protocolClasses.count == 0 && !protocolClasses.append(nullptr)) return protocol->mProtocolIndex = -1;
+  // A slot that could not be had is not remembered: the next call tries again.
+  if (protocolClasses.count == 0 && !protocolClasses.append(nullptr)) return -1;
   for (int32_t slot = 1; slot < protocolClasses.count; ++slot) {
     if (!protocolClasses.data[slot]) {
       protocolClasses.data[slot] = protocolClass;
       return protocol->mProtocolIndex = slot;
     }
   }
-  if (!protocolClasses.append(protocolClass)) return protocol->mProtocolIndex = -1;
+  if (!protocolClasses.append(protocolClass)) return -1;
   return protocol->mProtocolIndex = protocolClasses.count - 1;
 }
 
@@ -306,8 +330,12 @@ KrRxObject* KrRxImpClass::inheritedEntry(int32_t index) const {
 void KrRxImpClass::makeOwnTable() {
   KrRxProtocolTable* shared = mpPeTable;
   auto* own = static_cast<KrRxProtocolTable*>(__krMalloc(sizeof(KrRxProtocolTable)));
+  if (!own) throw std::bad_alloc();
   *own = {this, {}};
-  own->entries.reserve(shared->entries.count);
+  if (!own->entries.reserve(shared->entries.count)) {
+    __krFree(own);
+    throw std::bad_alloc();
+  }
   if (shared->entries.count)
     memcpy(own->entries.data, shared->entries.data, shared->entries.count * sizeof(KrRxObject*));
   own->entries.count = shared->entries.count;
@@ -327,7 +355,7 @@ void KrRxImpClass::makeOwnTable() {
 void KrRxImpClass::setEntry(int32_t index, KrRxObject* object) {
   KrRxGrowArray<KrRxObject*>& entries = mpPeTable->entries;
   if (index >= entries.count) {
-    if (!entries.reserve(index + 1)) return;
+    if (!entries.reserve(index + 1)) throw std::bad_alloc();
     memset(entries.data + entries.count, 0, (index + 1 - entries.count) * sizeof(KrRxObject*));
     entries.count = index + 1;
   }
@@ -365,8 +393,8 @@ KrRxObject* KrRxImpClass::addX(const KrRxClass* protocolClass, KrRxObject* objec
       mExtensions.data[position].object = object;
     else
       mExtensions.removeAt(position);
-  } else if (object) {
-    mExtensions.insertAt(position, {protocolClass, object});
+  } else if (object && !mExtensions.insertAt(position, {protocolClass, object})) {
+    throw std::bad_alloc();
   }
   updateTables(protocolClass, object ? object : inheritedEntry(impOf(protocolClass)->mProtocolIndex));
   return previous;

@@ -80,6 +80,8 @@ class KR1ST_API KrRxImpDictionary : public KrRxDictionary {
   // The id of key, or 0; position is where key is or would go in keyIndex
   // (0 while there is no index).
   unsigned int find(const wchar_t* key, int32_t& position) const;
+  // Makes sure the key index can take one more id; false when memory is short.
+  bool reserveIndexRoom();
   void indexInsert(unsigned int id);
   void indexRemove(unsigned int id);
   // Frees the key of a live entry no longer in keyIndex and disposes its object.
@@ -88,9 +90,11 @@ class KR1ST_API KrRxImpDictionary : public KrRxDictionary {
   void resetToEmpty();
 
   // Key-order iteration shares one index between all open iterators.
+  // Throws std::bad_alloc when the index cannot be built.
   void openKeyOrder() const;
   void closeKeyOrder() const;
-  void buildKeyIndex() const;
+  // False when memory is short; the caller drops the partial index.
+  bool buildKeyIndex() const;
 
   const KrRxClass* mpRequiredClass;
   mutable KrRxGrowArray<uint32_t> mKeyIndex;
