@@ -207,18 +207,28 @@ KrRxObject* KrRxImpDictionary::atPut(const wchar_t* key, KrRxObject* object, uns
   int32_t position;
   id = find(key, position);
   if (id) return atPut(id, object);
-  if (!key || !accepts(object) || !reserveIndexRoom()) return nullptr;
-  // A failed key copy still takes its position and counts, without key or
-  // object: it never enters the key index, so no comparison meets it.
-  wchar_t* copy = __krStrdup(key);
-  if (!mEntries.append({copy, copy ? object : nullptr}, kEntryLargeIncrement)) {
-    __krFree(copy);
-    return nullptr;
-  }
-  id = unsigned(mEntries.count - 1);
-  ++mLiveCount;
-  if (copy && hasKeyIndex()) mKeyIndex.insertAt(position, id, kIdLargeIncrement);
+  if (key && accepts(object)) id = appendEntry(key, object, position, true);
   return nullptr;
+}
+
+unsigned int KrRxImpDictionary::putNew(const wchar_t* key, KrRxObject* object) {
+  int32_t position;
+  if (!key || find(key, position) || !accepts(object)) return 0;
+  return appendEntry(key, object, position, false);
+}
+
+// A failed key copy that is kept takes its position and counts, without key
+// or object: it never enters the key index, so no comparison meets it.
+unsigned int KrRxImpDictionary::appendEntry(const wchar_t* key, KrRxObject* object, int32_t position,
+                                            bool keepKeyless) {
+  if (!reserveIndexRoom() || !mEntries.reserve(mEntries.count + 1, kEntryLargeIncrement)) return 0;
+  wchar_t* copy = __krStrdup(key);
+  if (!copy && !keepKeyless) return 0;
+  mEntries.append({copy, copy ? object : nullptr}, kEntryLargeIncrement);
+  ++mLiveCount;
+  unsigned int id = unsigned(mEntries.count - 1);
+  if (copy && hasKeyIndex()) mKeyIndex.insertAt(position, id, kIdLargeIncrement);
+  return id;
 }
 
 bool KrRxImpDictionary::reserveIndexRoom() {
