@@ -50,8 +50,10 @@ class KrRfValueArrayT : public KrRfArray {
   }
   ~KrRfValueArrayT() override { __krFree(mpData); }
 
-  // The registered class of this array kind (specialised per kind).
+  // The registered class of this array kind and its parent class
+  // (specialised per kind).
   static const wchar_t* className();
+  static const wchar_t* parentName();
   static KrRxClass* desc() {
     if (!gpDesc) gpDesc = krrxFindKrRxClass(className());
     return gpDesc;
@@ -64,8 +66,9 @@ class KrRfValueArrayT : public KrRfArray {
   }
   KrRxClass* isA() const override { return desc(); }
   static KrRxObject* pseudoConstructor() { return new KrRfValueArrayT(); }
-  // Registers the class under className() with parentName.
-  static void rxInit(const wchar_t* parentName);
+  // Registers the class under className() with parentName(); reports
+  // "<name>::rxInit() called twice!" when the class is registered already.
+  static void rxInit();
 
   // Copies the elements of another array of this kind; eInvalidInput otherwise.
   Kesu::ErrorStatus copyFrom(const KrRxObject* other) override {
@@ -119,10 +122,12 @@ template <typename T, typename E>
 KrRxClass* KrRfValueArrayT<T, E>::gpDesc = nullptr;
 
 template <typename T, typename E>
-void KrRfValueArrayT<T, E>::rxInit(const wchar_t* parentName) {
-  gpDesc = krrfNewValueClass(className(), parentName, pseudoConstructor);
+void KrRfValueArrayT<T, E>::rxInit() {
+  gpDesc = krrfNewValueClass(className(), parentName(), pseudoConstructor);
 }
 
 typedef KrRfValueArrayT<double, KrVtFloat64> KrVtFloat64Array;
 template <>
 inline const wchar_t* KrVtFloat64Array::className() { return L"KrVtFloat64Array"; }
+template <>
+inline const wchar_t* KrVtFloat64Array::parentName() { return L"KrRfArray"; }

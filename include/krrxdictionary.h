@@ -1,7 +1,7 @@
 #pragma once
 // String-keyed dictionaries of runtime objects. Every entry gets an id that
 // stays fixed for the entry's life; new entries never take the id of a
-// removed one, except in the system's shared dictionaries (krrxsystem.h).
+// removed one.
 
 #include "krrxobject.h"
 

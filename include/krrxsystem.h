@@ -2,10 +2,10 @@
 // The running system: the system registry, the class dictionary and the
 // kernel, brought up when the library is loaded and taken down at unload.
 //
-// So that modules can be loaded and unloaded any number of times without
-// growing them, the system registry, the class dictionary and the service
-// dictionary give the ids freed at their end to new entries once the module
-// that freed them is gone: keep an id of theirs only while its entry lives.
+// Their ids are never reused: an id, once handed out, names its entry or
+// nothing for the life of the dictionary, so a caller may keep one and
+// check it later with has(). Each module load that registers classes,
+// services or registry entries therefore takes fresh ids.
 
 #include "krexport.h"
 

@@ -24,6 +24,8 @@ static_assert(sizeof(KrVtCurrency) == sizeof(KrVtFloat64), "an amount adds no da
 typedef KrRfValueArrayT<double, KrVtCurrency> KrVtCurrencyArray;
 template <>
 inline const wchar_t* KrVtCurrencyArray::className() { return L"KrVtCurrencyArray"; }
+template <>
+inline const wchar_t* KrVtCurrencyArray::parentName() { return L"KrVtFloat64Array"; }
 
 // "%.02f", or "*", U+221E and "-\u221E" for unset and infinite amounts; reads
 // those texts or one number ("%lf"); eInvalidInput otherwise, for a null

@@ -159,3 +159,5 @@ class KR1ST_API KrVtDateTimeFormattable : public KrRxFormattablePE {
 typedef KrRfValueArrayT<double, KrVtDaytime> KrVtDateTimeArray;
 template <>
 inline const wchar_t* KrVtDateTimeArray::className() { return L"KrVtDateTimeArray"; }
+template <>
+inline const wchar_t* KrVtDateTimeArray::parentName() { return L"KrVtFloat64Array"; }

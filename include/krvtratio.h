@@ -61,6 +61,8 @@ static_assert(sizeof(KrVtPercentage) == sizeof(KrVtFloat64), "a ratio adds no da
 typedef KrRfValueArrayT<double, KrVtPercentage> KrVtPercentageArray;
 template <>
 inline const wchar_t* KrVtPercentageArray::className() { return L"KrVtPercentageArray"; }
+template <>
+inline const wchar_t* KrVtPercentageArray::parentName() { return L"KrVtFloat64Array"; }
 
 // The text forms, attached at start-up as the classes' formattables; an
 // object of another class, a null text or a text that does not scan gives

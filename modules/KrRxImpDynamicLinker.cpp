@@ -32,7 +32,6 @@
 #include "runtime/KrRxImpDictionary.h"
 #include "runtime/KrRxImpSet.h"
 #include "system/KrRxServiceDictionary.h"
-#include "system/KrRxSystemDictionaries.h"
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxImpDynamicLinker, KrRxDynamicLinker)
 
@@ -431,17 +430,8 @@ bool KrRxImpDynamicLinker::initialiseModule(KrRxGenHand* module, const wchar_t* 
   return true;
 }
 
-// Loading and unloading the same modules over and over must not grow the
-// table, nor the system's dictionaries that the module added to and took
-// out of again: the ids of entries removed from their ends are used again.
-void KrRxImpDynamicLinker::dropTableEntry(const wchar_t* key) {
-  mpLoadedModules->remove(key);
-  mpLoadedModules->reclaimFreeTail();
-  krrxReclaimSystemDictionaryIds();
-}
-
 bool KrRxImpDynamicLinker::failLoad(const wchar_t* name, const wchar_t* key, bool printMessages) {
-  if (key) dropTableEntry(key);
+  if (key) mpLoadedModules->remove(key);
   if (printMessages) hostMessage(L"Failed to load '%ls'\n", name);
   notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppLoadAborted, name);
   notify(mpReactors, &KrRxDLinkerReactor::rxAppLoadAborted, name);
@@ -505,7 +495,7 @@ bool KrRxImpDynamicLinker::releaseModule(KrRxGenHand* module, const wchar_t* fil
   module->unloadDependencies(this);
   if (module->getVal()) FreeLibrary(static_cast<HMODULE>(module->getVal()));
   module->setVal(nullptr);
-  dropTableEntry(fileName);
+  mpLoadedModules->remove(fileName);
   return true;
 }
 

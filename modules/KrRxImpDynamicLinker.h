@@ -67,6 +67,8 @@ class KR1ST_API KrRxImpDynamicLinker : public KrRxDynamicLinker {
   // loaded module carries appName among its logical application names.
   bool appIsLoaded(const wchar_t* appName) const;
   KesuAppRegistry* registry() { return mpRegistry; }
+  // The loaded-module table, keyed by file name.
+  const KrRxImpDictionary* loadedModules() const { return mpLoadedModules; }
   void addDbAppMonitor(KrRxDLinkerReactor* monitor);
   void removeDbAppMonitor(KrRxDLinkerReactor* monitor);
 
@@ -93,7 +95,6 @@ class KR1ST_API KrRxImpDynamicLinker : public KrRxDynamicLinker {
   bool registerLoadedModule(const wchar_t* name, bool printMessages, bool asCommand, bool reactorsFirst);
   KrRxGenHand* addTableEntry(const wchar_t* key);
   bool initialiseModule(KrRxGenHand* module, const wchar_t* name, bool asCommand);
-  void dropTableEntry(const wchar_t* key);
   bool failLoad(const wchar_t* name, const wchar_t* key, bool printMessages);
   // The names of the registered applications, in the registry's list order.
   std::vector<std::wstring> registeredAppNames();

@@ -194,10 +194,10 @@ bool KrRxImpClass::disconnect(KrRxDictionary* dictionary) {
       krrx_abort(L"Class '%ls' does not contain a descendant called '%ls'.", parentImp->mpName, mpName);
     mpParent = nullptr;
   }
-  // Only this descriptor's own entry: had someone removed it behind the
-  // descriptor's back, its freed id may name another class by now.
-  if (mDictionaryId && dictionary->at(mDictionaryId) == mpOwner) dictionary->remove(mDictionaryId);
-  mDictionaryId = 0;
+  if (mDictionaryId) {
+    dictionary->remove(mDictionaryId);
+    mDictionaryId = 0;
+  }
   if (const wchar_t* appName = mpModule ? logicalAppName() : nullptr) mpModule->removeLogicalAppName(appName);
   return true;
 }

@@ -343,10 +343,6 @@ void KrRxImpDictionary::removeAll() {
   resetToEmpty();
 }
 
-void KrRxImpDictionary::reclaimFreeTail() {
-  while (mEntries.count > 1 && !mEntries.data[mEntries.count - 1].key) --mEntries.count;
-}
-
 void KrRxImpDictionary::openKeyOrder() const {
   for (;;) {
     int32_t state = kUnindexed;

@@ -52,17 +52,15 @@ class KR1ST_API KrRxImpDictionary : public KrRxDictionary {
   // Drops every entry (deleting the objects when the dictionary owns them);
   // ids start again at 1. Not while key-order iterators are open.
   void removeAll();
-  // Forgets the free positions after the last entry, so that the next atPut
-  // reuses their ids and the table does not grow. Only for tables whose
-  // callers keep no ids of removed entries (the loaded-module table and the
-  // system's shared dictionaries).
-  void reclaimFreeTail();
 
   // The sort state: -1 permanently sorted; 0 no key index; 1 an index is
   // being built; n >= 2 an index shared by n - 1 key-order iterators.
   int32_t sortState() const { return mSortState.load(std::memory_order_acquire); }
   // The ids in key order, id 0 first; empty while there is no index.
   const KrRxGrowArray<uint32_t>& keyIndex() const { return mKeyIndex; }
+  // The size of the id-indexed entry block: it keeps a position for every
+  // id ever handed out, so it grows in the array's steps as ids are used.
+  size_t entryBlockBytes() const { return static_cast<size_t>(mEntries.capacity) * sizeof(Entry); }
 
  private:
   struct Entry {

@@ -33,7 +33,6 @@
 #include "runtime/KrRxImpSet.h"
 #include "system/KrRxImpKernel.h"
 #include "system/KrRxServiceDictionary.h"
-#include "system/KrRxSystemDictionaries.h"
 #include "values/KrVtValueClasses.h"
 
 KrRxDictionary* sysRegistry = nullptr;
@@ -221,12 +220,6 @@ void krrxKillSystem() {
 
 KrRxDictionary* krrxServiceDictionary() {
   return sysRegistry ? static_cast<KrRxDictionary*>(sysRegistry->at(L"ServiceDictionary")) : nullptr;
-}
-
-void krrxReclaimSystemDictionaryIds() {
-  if (!sysRegistry) return;
-  for (KrRxDictionary* dictionary : {sysRegistry, sysClasses, krrxServiceDictionary()})
-    if (KrRxImpDictionary* own = KrRxImpDictionary::cast(dictionary)) own->reclaimFreeTail();
 }
 
 KrRxDictionary* krrxSysRegistry() { return sysRegistry; }

@@ -44,10 +44,10 @@ const RxInit kValueClasses[] = {
     &KrVtPercentage::rxInit,
     &KrVtPermille::rxInit,
     &KrVtCurrency::rxInit,
-    [] { KrVtFloat64Array::rxInit(L"KrRfArray"); },
-    [] { KrVtPercentageArray::rxInit(L"KrVtFloat64Array"); },
-    [] { KrVtCurrencyArray::rxInit(L"KrVtFloat64Array"); },
-    [] { KrVtDateTimeArray::rxInit(L"KrVtFloat64Array"); },
+    &KrVtFloat64Array::rxInit,
+    &KrVtPercentageArray::rxInit,
+    &KrVtCurrencyArray::rxInit,
+    &KrVtDateTimeArray::rxInit,
 };
 
 // The formattables made at start-up, by the class they are attached to,
@@ -112,6 +112,7 @@ void krvtInitValueClasses() {
   for (const Formattable& entry : kFormattables) entry.rxInit();
   KrRxImpClass::connectNewClasses(sysClasses);
   KrRfNumber::desc()->addX(KrRfRangeCheckPE::desc(), new KrRfNumberRangeCheckPE());
+  KrRfProxy::desc()->addX(KrRfProxyInterfacePE::desc(), new KrRfProxyInterfacePE());
   for (const Formattable& entry : kFormattables)
     entry.cls()->addX(KrRxFormattablePE::desc(), entry.formattableClass()->create());
 }

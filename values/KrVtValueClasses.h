@@ -4,7 +4,7 @@
 // extensions attached to them.
 
 // Registers the classes, links them into the class tree and attaches the
-// range check and the formattables.
+// range check, the proxy interface and the formattables.
 void krvtInitValueClasses();
 // Detaches and deletes the extensions, then deletes the classes.
 void krvtKillValueClasses();

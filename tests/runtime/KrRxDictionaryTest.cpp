@@ -1,6 +1,5 @@
 // Dictionaries: ids, keys, ownership, the required class, both iteration
-// orders, reclaiming the free tail, and the key index shared by key-order
-// iterators across threads.
+// orders, and the key index shared by key-order iterators across threads.
 
 #include <gtest/gtest.h>
 
@@ -249,34 +248,6 @@ TEST_P(KrRxDictionaryTest, RemoveAllStartsTheIdsAgain) {
   dictionary.atPut(L"a", &c);
   EXPECT_EQ(dictionary.at(L"a"), &c);
   EXPECT_EQ(walk(dictionary, KrRx::kDictByKey), (Keys{L"a", L"b"}));
-}
-
-// Reclaiming the free tail (what the loaded-module table does so that load
-// and unload cycles do not grow it) gives only the ids after the last entry again.
-TEST_P(KrRxDictionaryTest, ReclaimingTheFreeTailReusesOnlyIdsAfterTheLastEntry) {
-  KrRxImpDictionary dictionary(0, false, sorted(), true);
-  unsigned int one, two, three, id;
-  dictionary.atPut(L"a", &a, one);
-  dictionary.atPut(L"b", &a, two);
-  dictionary.atPut(L"c", &a, three);
-  dictionary.remove(L"b");
-  dictionary.remove(L"c");
-  dictionary.reclaimFreeTail();
-  dictionary.atPut(L"d", &a, id);
-  EXPECT_EQ(id, two) << "the free tail is used again, from its start";
-  EXPECT_FALSE(dictionary.has(three));
-  EXPECT_EQ(dictionary.idAt(L"D"), id);
-
-  dictionary.remove(L"a");
-  dictionary.reclaimFreeTail();
-  dictionary.atPut(L"e", &a, id);
-  EXPECT_EQ(id, two + 1) << "a free position before a live entry stays free";
-  dictionary.remove(L"d");
-  dictionary.remove(L"e");
-  dictionary.reclaimFreeTail();
-  dictionary.atPut(L"f", &a, id);
-  EXPECT_EQ(id, 1u) << "an empty table starts again at 1";
-  EXPECT_EQ(dictionary.numEntries(), 1u);
 }
 
 TEST_P(KrRxDictionaryTest, ManyEntriesStayFindable) {

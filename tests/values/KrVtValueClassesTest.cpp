@@ -35,11 +35,18 @@ TEST(KrVtValueClassesTest, ExtensionsAreAttachedWhereTheTextFormsAre) {
       << "a plain day value has no text form of its own";
   KrRxObject* rangeCheck = KrRfNumber::desc()->queryX(KrRfRangeCheckPE::desc());
   EXPECT_NE(KrRfNumberRangeCheckPE::cast(rangeCheck), nullptr);
+  // Every proxy, of whatever kind, answers the proxy interface.
+  KrRxObject* proxyInterface = KrRfProxy::desc()->queryX(KrRfProxyInterfacePE::desc());
+  EXPECT_NE(KrRfProxyInterfacePE::cast(proxyInterface), nullptr);
+  KrRxClassPointer pointer;
+  EXPECT_EQ(pointer.queryX(KrRfProxyInterfacePE::desc()), proxyInterface);
 }
 
 TEST(KrVtValueClassesTest, RegisteringAValueClassTwiceIsFatal) {
   EXPECT_EQ(krAbortMessageOf([] { KrVtInt32::rxInit(); }), L"KrVtInt32::rxInit() called twice!");
   EXPECT_EQ(krAbortMessageOf([] { KrRxClassPointer::rxInit(); }), L"KrRxClassPointer::rxInit() called twice!");
+  EXPECT_EQ(krAbortMessageOf([] { KrVtFloat64Array::rxInit(); }), L"KrVtFloat64Array::rxInit() called twice!");
+  EXPECT_EQ(krAbortMessageOf([] { KrVtDateTimeArray::rxInit(); }), L"KrVtDateTimeArray::rxInit() called twice!");
 }
 
 }  // namespace
