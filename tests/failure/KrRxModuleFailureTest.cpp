@@ -63,7 +63,7 @@ TEST(KrRxModuleFailureTest, ALoadThatRunsOutOfMemoryFailsAndLeavesNothingMapped)
     expectLoadOutcome(loaded, completed, path);
     if (!failure.reached()) EXPECT_TRUE(loaded);
     unloadForGood();
-  });
+  }, krSystemTableBytes);
 }
 
 TEST(KrRxModuleFailureTest, AnUnloadThatRunsOutOfMemoryKeepsTheModuleWhole) {
@@ -74,7 +74,7 @@ TEST(KrRxModuleFailureTest, AnUnloadThatRunsOutOfMemoryKeepsTheModuleWhole) {
     EXPECT_TRUE(failure.run([&] { unloaded = krrxUnloadModule(kModule, false); }));
     expectModuleState(!unloaded);
     unloadForGood();
-  });
+  }, krSystemTableBytes);
 }
 
 TEST(KrRxModuleFailureTest, ListFiles) {
@@ -87,7 +87,7 @@ TEST(KrRxModuleFailureTest, ListFiles) {
     expectModuleState(loaded);
     if (loaded) EXPECT_TRUE(krrxUnloadModule(kModule, true) || krrxUnloadModule(kModule, false));
     unloadForGood();
-  });
+  }, krSystemTableBytes);
   DeleteFileW(list.c_str());
 }
 

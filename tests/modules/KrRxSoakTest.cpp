@@ -33,18 +33,6 @@ const KrRxDictionary* serviceDictionary() {
   return static_cast<const KrRxDictionary*>(krrxSysRegistry()->at(L"ServiceDictionary"));
 }
 
-// The blocks of the dictionaries that keep a position for every id they
-// hand out: what a load and unload may leave behind by design.
-long long tableBytes() {
-  const KrRxImpDictionary* tables[] = {
-      KrRxImpDictionary::cast(krrxSysRegistry()), KrRxImpDictionary::cast(krrxSysClasses()),
-      KrRxImpDictionary::cast(serviceDictionary()), KrRxImpDynamicLinker::registered()->loadedModules()};
-  long long bytes = 0;
-  for (const KrRxImpDictionary* table : tables)
-    bytes += table->entryBlockBytes() + table->keyIndex().capacity * sizeof(uint32_t);
-  return bytes;
-}
-
 // What registering.krx holds while it is loaded, and not after.
 void expectRegistrations(bool loaded) {
   KrRxClass* circle = krrxFindKrRxClass(L"SoakCircle");
@@ -71,9 +59,9 @@ void expectNoMoreGrowthThanBareLoadingAndTables(const std::wstring& module, void
     check(false);
   };
   krHeapGrowth(50, 0, cycle);
-  const long long tablesBefore = tableBytes();
+  const long long tablesBefore = krSystemTableBytes();
   const long long ours = krHeapGrowth(0, cycles, cycle);
-  const long long tables = tableBytes() - tablesBefore;
+  const long long tables = krSystemTableBytes() - tablesBefore;
   ASSERT_FALSE(testing::Test::HasFailure());
   const long long bare = krHeapGrowth(50, cycles, [&] {
     HMODULE handle = LoadLibraryW(path);

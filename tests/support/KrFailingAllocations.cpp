@@ -137,7 +137,8 @@ bool KrAllocationFailure::run(const std::function<void()>& operation) {
   return mCompleted;
 }
 
-KrFailurePoints krRunFailurePoints(const char* name, const std::function<void(KrAllocationFailure&)>& scenario) {
+KrFailurePoints krRunFailurePoints(const char* name, const std::function<void(KrAllocationFailure&)>& scenario,
+                                   const std::function<long long()>& designedBytes) {
   installOnce();
   static void* handler = AddVectoredExceptionHandler(1, reportCrash);
   (void)handler;
@@ -154,10 +155,12 @@ KrFailurePoints krRunFailurePoints(const char* name, const std::function<void(Kr
     if (trace) std::fprintf(stderr, "%s: failure point %d\n", name, k);
     SCOPED_TRACE(testing::Message() << name << ", allocation " << k << " failing");
     int failuresBefore = recordedFailures();
+    long long designedBefore = designedBytes ? designedBytes() : 0;
     size_t heapBefore = krBusyHeapBytes();
     KrAllocationFailure failure(k);
     scenario(failure);
     long long growth = static_cast<long long>(krBusyHeapBytes()) - static_cast<long long>(heapBefore);
+    growth -= (designedBytes ? designedBytes() : 0) - designedBefore;
     if (!failure.reached()) break;
     ++points.tried;
     // A recorded failure keeps its message on the heap: the growth then says nothing.

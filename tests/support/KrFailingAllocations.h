@@ -46,7 +46,11 @@ struct KrFailurePoints {
 // Prints and returns the tally; a crash ends the process naming the point.
 // With KR_FAILURE_TRACE set, each point is named before it runs (for
 // failures that end the process without a crash, such as an abort).
-KrFailurePoints krRunFailurePoints(const char* name, const std::function<void(KrAllocationFailure&)>& scenario);
+// designedBytes, when given, reads the bytes that a try may leave behind by
+// design (tables that keep a position for every id handed out); only the
+// growth beyond theirs counts.
+KrFailurePoints krRunFailurePoints(const char* name, const std::function<void(KrAllocationFailure&)>& scenario,
+                                   const std::function<long long()>& designedBytes = nullptr);
 
 // The tally over every scenario run so far in this process.
 const KrFailurePoints& krFailurePointTotals();
