@@ -41,14 +41,17 @@ KrRxClassInfo sEmptyInfo = {};
 
 wchar_t* copyText(const wchar_t* text) { return text ? __krStrdup(text) : nullptr; }
 
-// Calls visit(descendant) for each direct descendant of a class.
+// Calls visit(descendant) for each direct descendant of a class, allocating
+// nothing (the descendant sets are the library's own).
 template <typename Visit>
 void forEachDescendant(const KrRxImpClass* imp, Visit visit) {
   if (!imp->mpDescendants) return;
-  KrRxIterator* it = imp->mpDescendants->newIterator(true);
-  for (; !it->done(); it->next()) visit(static_cast<KrRxClass*>(it->object())->impObj());
-  delete it;
+  static_cast<const KrRxImpSet*>(imp->mpDescendants)->forEachMember([&](KrRxObject* child) {
+    visit(static_cast<KrRxClass*>(child)->impObj());
+    return true;
+  });
 }
+
 
 }  // namespace
 
@@ -169,12 +172,14 @@ bool KrRxImpClass::connect(KrRxDictionary* dictionary) {
     if (!parent) krrx_abort(L"Class '%ls' parent named '%ls' not found.", mpName, mpParentName);
     KrRxImpClass* parentImp = parent->impObj();
     if (!parentImp->mpPeTable) return false;
+    // A descriptor that took over a replaced one's table keeps it, and with
+    // it everything its subtree inherits. The tables are made ready before
+    // the class is linked: when memory is short it stays unlinked.
+    if (!mpPeTable) mpPeTable = parentImp->mpPeTable;
+    for (int32_t i = 0; i < mExtensions.count; ++i) reserveTables(mExtensions.data[i].protocolClass);
     if (!parentImp->addDescendant(mpOwner))
       krrx_abort(L"Class '%ls' already contains a descendant called '%ls'.", parentImp->mpName, mpName);
     mpParent = parent;
-    // A descriptor that took over a replaced one's table keeps it, and with
-    // it everything its subtree inherits.
-    if (!mpPeTable) mpPeTable = parentImp->mpPeTable;
     for (int32_t i = 0; i < mExtensions.count; ++i)
       updateTables(mExtensions.data[i].protocolClass, mExtensions.data[i].object);
   } else if (!mpPeTable) {
@@ -355,37 +360,60 @@ void KrRxImpClass::makeOwnTable() {
 void KrRxImpClass::setEntry(int32_t index, KrRxObject* object) {
   KrRxGrowArray<KrRxObject*>& entries = mpPeTable->entries;
   if (index >= entries.count) {
-    if (!entries.reserve(index + 1)) throw std::bad_alloc();
+    entries.reserve(index + 1);
     memset(entries.data + entries.count, 0, (index + 1 - entries.count) * sizeof(KrRxObject*));
     entries.count = index + 1;
   }
   entries.data[index] = object;
 }
 
+// The subtrees of classes with an own extension for protocolClass are left out.
+template <typename Visit>
+void KrRxImpClass::forEachInheritor(const KrRxClass* protocolClass, Visit& visit) const {
+  forEachDescendant(this, [&](KrRxImpClass* child) {
+    if (child->hasOwnExtension(protocolClass)) return;
+    visit(child);
+    child->forEachInheritor(protocolClass, visit);
+  });
+}
+
+// Makes every table that updateTables writes for protocolClass able to hold
+// its slot: this class's own (made first when it shares one) and those of
+// the inheritors that own theirs. Throws std::bad_alloc; what was made
+// stays, and still holds the right entries.
+void KrRxImpClass::reserveTables(const KrRxClass* protocolClass) {
+  if (!mpPeTable) return;
+  const int32_t index = impOf(protocolClass)->mProtocolIndex;
+  if (mpPeTable->owner != this) makeOwnTable();
+  auto reserve = [index](KrRxImpClass* imp) {
+    if (imp->mpPeTable && imp->mpPeTable->owner == imp && !imp->mpPeTable->entries.reserve(index + 1))
+      throw std::bad_alloc();
+  };
+  reserve(this);
+  forEachInheritor(protocolClass, reserve);
+}
+
 // Sets this class's entry for protocolClass to object and carries it down to
-// every descendant without an attachment of its own.
+// every descendant without an attachment of its own. reserveTables comes
+// first, so that nothing here can fail.
 void KrRxImpClass::updateTables(const KrRxClass* protocolClass, KrRxObject* object) {
   if (!mpPeTable) return;
-  int32_t index = impOf(protocolClass)->mProtocolIndex;
-  if (mpPeTable->owner != this) makeOwnTable();
-  setEntry(index, object);
-  struct Descend {
-    static void run(KrRxImpClass* imp, const KrRxClass* protocolClass, int32_t index, KrRxObject* object) {
-      forEachDescendant(imp, [=](KrRxImpClass* child) {
-        if (child->hasOwnExtension(protocolClass)) return;
-        if (child->mpPeTable && child->mpPeTable->owner == child) child->setEntry(index, object);
-        run(child, protocolClass, index, object);
-      });
-    }
+  const int32_t index = impOf(protocolClass)->mProtocolIndex;
+  auto set = [index, object](KrRxImpClass* imp) {
+    if (imp->mpPeTable && imp->mpPeTable->owner == imp) imp->setEntry(index, object);
   };
-  Descend::run(this, protocolClass, index, object);
+  set(this);
+  forEachInheritor(protocolClass, set);
 }
 
 KrRxObject* KrRxImpClass::addX(const KrRxClass* protocolClass, KrRxObject* object) {
   if (!impOf(protocolClass)->mProtocolIndex && !object) return nullptr;
-  if (protocolSlotFor(protocolClass) < 0) return nullptr;
+  if (protocolSlotFor(protocolClass) < 0) throw std::bad_alloc();
   bool found;
   int32_t position = findExtension(protocolClass, found);
+  // Everything that can fail comes before the first change.
+  if (!found && object && !mExtensions.reserve(mExtensions.count + 1)) throw std::bad_alloc();
+  reserveTables(protocolClass);
   KrRxObject* previous = nullptr;
   if (found) {
     previous = mExtensions.data[position].object;
@@ -393,8 +421,8 @@ KrRxObject* KrRxImpClass::addX(const KrRxClass* protocolClass, KrRxObject* objec
       mExtensions.data[position].object = object;
     else
       mExtensions.removeAt(position);
-  } else if (object && !mExtensions.insertAt(position, {protocolClass, object})) {
-    throw std::bad_alloc();
+  } else if (object) {
+    mExtensions.insertAt(position, {protocolClass, object});
   }
   updateTables(protocolClass, object ? object : inheritedEntry(impOf(protocolClass)->mProtocolIndex));
   return previous;
@@ -406,6 +434,7 @@ KrRxObject* KrRxImpClass::delX(const KrRxClass* protocolClass) {
   bool found;
   int32_t position = findExtension(protocolClass, found);
   if (!found) return nullptr;
+  reserveTables(protocolClass);
   KrRxObject* previous = mExtensions.data[position].object;
   mExtensions.removeAt(position);
   updateTables(protocolClass, inheritedEntry(index));

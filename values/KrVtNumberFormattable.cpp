@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cwchar>
+#include <type_traits>
 
 #include "krrfvalue.h"
 #include "runtime/KrRxCoreClass.h"
@@ -22,6 +23,26 @@ template <> const wchar_t* integerFormat<int>() { return L"%ld"; }
 template <> const wchar_t* integerFormat<unsigned int>() { return L"%lu"; }
 template <> const wchar_t* integerFormat<__int64>() { return L"%lld"; }
 template <> const wchar_t* integerFormat<unsigned __int64>() { return L"%llu"; }
+
+template <typename T, typename Wide>
+bool scanInto(bool (*scan)(const wchar_t*&, Wide&), const wchar_t* text, T& value) {
+  Wide read;
+  if (!scan(text, read)) return false;
+  value = T(read);
+  return true;
+}
+
+// Reads text into value as the type's scanf conversion does: the 64-bit kinds
+// in 64 bits, the others in 32 bits keeping the low bits; value unchanged
+// when there is no number.
+template <typename T>
+bool scanInteger(const wchar_t* text, T& value) {
+  if (sizeof(T) == 8)
+    return std::is_signed<T>::value ? scanInto(KrVtText::scanInteger, text, value)
+                                    : scanInto(KrVtText::scanUnsigned, text, value);
+  return std::is_signed<T>::value ? scanInto(KrVtText::scanLong, text, value)
+                                  : scanInto(KrVtText::scanUnsignedLong, text, value);
+}
 
 }  // namespace
 
@@ -76,9 +97,7 @@ Kesu::ErrorStatus KrVtIntegerFormattable<T>::fromText(KrRxObject* object, const 
                                                       const KrRxFormatContext*) {
   KrRfValueT<T>* number = KrRfValueT<T>::cast(object);
   if (!number || !text) return Kesu::eInvalidInput;
-  T read = 0;
-  if (__mingw_swscanf(text, integerFormat<T>(), &read) != 1) return Kesu::eInvalidInput;
-  number->value() = read;
+  if (!scanInteger(text, number->value())) return Kesu::eInvalidInput;
   return Kesu::eOk;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cwctype>
 
 #include "runtime/KrRxCoreClass.h"
 #include "values/KrVtFraction.h"
@@ -36,14 +37,17 @@ Kesu::ErrorStatus KrVtRatioFormattable::toText(const KrRxObject* object, wchar_t
 Kesu::ErrorStatus KrVtRatioFormattable::fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext*) {
   KrVtRatio* ratio = KrVtRatio::cast(object);
   if (!ratio || !text) return Kesu::eInvalidInput;
-  __int64 numerator = 0;
-  unsigned __int64 denominator = 0;
-  int read = __mingw_swscanf(text, L"%lld : %llu", &numerator, &denominator);
-  if (read <= 0) return Kesu::eInvalidInput;
-  if (read == 2) return ratio->fromFraction(numerator, denominator);
+  // As "%lld : %llu" reads it: white space around the colon is optional.
+  long long numerator = 0;
+  unsigned long long denominator = 0;
+  const wchar_t* rest = text;
+  if (!KrVtText::scanInteger(rest, numerator)) return Kesu::eInvalidInput;
+  while (iswspace(*rest)) ++rest;
+  if (*rest == L':' && KrVtText::scanUnsigned(++rest, denominator))
+    return ratio->fromFraction(numerator, denominator);
   // One number: the text is read again as a double (1.0 when that fails).
   double single = 1.0;
-  __mingw_swscanf(text, L"%lf", &single);
+  KrVtText::scanDouble(text, single);
   ratio->fromDouble(single);
   return Kesu::eOk;
 }
@@ -65,10 +69,10 @@ Kesu::ErrorStatus unitsToText(const KrRxObject* object, const wchar_t* format, w
 
 // Only the count must be read: the unit sign after it is optional.
 template <typename Units>
-Kesu::ErrorStatus unitsFromText(KrRxObject* object, const wchar_t* format, const wchar_t* text) {
+Kesu::ErrorStatus unitsFromText(KrRxObject* object, const wchar_t* text) {
   Units* units = Units::cast(object);
   long count = 0;
-  if (!units || !text || __mingw_swscanf(text, format, &count) < 1) return Kesu::eInvalidInput;
+  if (!units || !text || !KrVtText::scanLong(text, count)) return Kesu::eInvalidInput;
   units->value() = double(count) / Units::kUnitsPerWhole;
   return Kesu::eOk;
 }
@@ -82,7 +86,7 @@ Kesu::ErrorStatus KrVtPercentageFormattable::toText(const KrRxObject* object, wc
 
 Kesu::ErrorStatus KrVtPercentageFormattable::fromText(KrRxObject* object, const wchar_t* text,
                                                       const KrRxFormatContext*) {
-  return unitsFromText<KrVtPercentage>(object, kPercentFormat, text);
+  return unitsFromText<KrVtPercentage>(object, text);
 }
 
 Kesu::ErrorStatus KrVtPermilleFormattable::toText(const KrRxObject* object, wchar_t*& text,
@@ -92,7 +96,7 @@ Kesu::ErrorStatus KrVtPermilleFormattable::toText(const KrRxObject* object, wcha
 
 Kesu::ErrorStatus KrVtPermilleFormattable::fromText(KrRxObject* object, const wchar_t* text,
                                                     const KrRxFormatContext*) {
-  return unitsFromText<KrVtPermille>(object, kPermilleFormat, text);
+  return unitsFromText<KrVtPermille>(object, text);
 }
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtRatioFormattable, KrRxFormattablePE)

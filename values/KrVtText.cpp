@@ -65,9 +65,44 @@ Kesu::ErrorStatus doubleFromText(double& v, const wchar_t* text) {
   if (!text) return Kesu::eInvalidInput;
   if (readSpecialText(text, kWithNegativeInfinity, v)) return Kesu::eOk;
   double read = 0;
-  if (__mingw_swscanf(text, L"%lf", &read) != 1) return Kesu::eInvalidInput;
+  if (!scanDouble(text, read)) return Kesu::eInvalidInput;
   v = read;
   return Kesu::eOk;
+}
+
+namespace {
+
+// Runs a C runtime number reader on text, which reads nothing when it stops at once.
+template <typename Number, typename Reader>
+bool scanWith(const wchar_t*& text, Number& value, Reader read) {
+  wchar_t* end = nullptr;
+  Number number = read(text, &end);
+  if (end == text) return false;
+  text = end;
+  value = number;
+  return true;
+}
+
+}  // namespace
+
+bool scanInteger(const wchar_t*& text, long long& value) {
+  return scanWith(text, value, [](const wchar_t* from, wchar_t** end) { return _wcstoi64(from, end, 10); });
+}
+
+bool scanUnsigned(const wchar_t*& text, unsigned long long& value) {
+  return scanWith(text, value, [](const wchar_t* from, wchar_t** end) { return _wcstoui64(from, end, 10); });
+}
+
+bool scanLong(const wchar_t*& text, long& value) {
+  return scanWith(text, value, [](const wchar_t* from, wchar_t** end) { return wcstol(from, end, 10); });
+}
+
+bool scanUnsignedLong(const wchar_t*& text, unsigned long& value) {
+  return scanWith(text, value, [](const wchar_t* from, wchar_t** end) { return wcstoul(from, end, 10); });
+}
+
+bool scanDouble(const wchar_t*& text, double& value) {
+  return scanWith(text, value, [](const wchar_t* from, wchar_t** end) { return __mingw_wcstod(from, end); });
 }
 
 }  // namespace KrVtText

@@ -4,11 +4,12 @@
 // frees with free().
 //
 // Which wide printf and scanf: the formats are written for the Windows C
-// runtime's current rules. MinGW's C99 functions (__mingw_*) follow them for
-// "%hhd" (msvcrt's own scanf stores two bytes there) and for two-digit
-// exponents, so printing and the number scans use those. The date and time
-// scans, whose scansets must store wide characters as Windows' wide scanf
-// does, use msvcrt's own __ms_swscanf; none of their formats has "%hh".
+// runtime's current rules. MinGW's C99 printing (__mingw_*) follows them for
+// two-digit exponents, so printing uses it. Numbers are read by the scans
+// below, as MinGW's C99 scanf reads them but without its heap block, whose
+// failure that scanf does not survive. The date and time scans, whose
+// scansets must store wide characters as Windows' wide scanf does, use
+// msvcrt's own __ms_swscanf.
 
 #include "krerrorstatus.h"
 
@@ -28,6 +29,18 @@ bool readSpecialText(const wchar_t* text, Specials specials, double& v);
 // eInvalidInput when the print yields no characters, eOutOfMemory when no
 // block can be had.
 Kesu::ErrorStatus printText(wchar_t*& text, const wchar_t* format, ...);
+
+// The number scans: each skips leading white space, reads one number as the
+// scanf conversion named, moves text past it and returns true; false (text
+// unchanged) when no number is there. None of them allocates.
+// "%lld" and "%llu": 64-bit, clamped to the type's range.
+bool scanInteger(const wchar_t*& text, long long& value);
+bool scanUnsigned(const wchar_t*& text, unsigned long long& value);
+// "%ld" and "%lu" (and the shorter kinds, which keep the low bits): 32-bit.
+bool scanLong(const wchar_t*& text, long& value);
+bool scanUnsignedLong(const wchar_t*& text, unsigned long& value);
+// "%lf".
+bool scanDouble(const wchar_t*& text, double& value);
 
 // A double with all three special texts, else printed with finiteFormat.
 Kesu::ErrorStatus doubleToText(double v, const wchar_t* finiteFormat, wchar_t*& text);
