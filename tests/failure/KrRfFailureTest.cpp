@@ -15,6 +15,7 @@
 #include "KrFailingAllocations.h"
 #include "KrRfTestDoor.h"
 #include "KrRfTestSymbols.h"
+#include "reflection/KrRfImpReflectionPE.h"
 #include "runtime/KrRxImpClass.h"
 
 namespace {
@@ -124,7 +125,7 @@ TEST(KrRfFailureTest, SymbolsOverrulesAndProtocolReactors) {
     EXPECT_EQ(pe->findSymbol(L"failPoint"), status == Kesu::eOk ? &symbol : nullptr);
     if (pe->findSymbol(L"failPoint")) EXPECT_EQ(pe->removeSymbol(&symbol), Kesu::eOk);
     EXPECT_NE(pe->findSymbol(L"width"), nullptr);
-  });
+  }, [&] { return static_cast<long long>(static_cast<KrRfImpReflectionPE*>(pe)->symbols().entryBlockBytes()); });
   // A class of its own for each try, so that its overrule list and reactor
   // manager are made under failure.
   krRunFailurePoints("overrules", [&](KrAllocationFailure& failure) {
