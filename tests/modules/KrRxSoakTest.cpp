@@ -12,6 +12,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
 
 #include "KrAbortTrap.h"
@@ -45,6 +46,35 @@ void expectRegistrations(bool loaded) {
 }
 
 void expectNothing(bool) {}
+
+// Uses what everything.krx registers while it is loaded: a part of its class
+// formatted, evaluated and walked through reflection, its overrule and
+// reactor in place; and finds none of it after.
+void useEverything(bool loaded) {
+  ASSERT_EQ(krrxServiceIsRegistered(L"EverythingService"), loaded);
+  ASSERT_EQ(krrxSysRegistry()->has(L"EverythingEntry"), loaded);
+  ASSERT_EQ(krrxFindKrRxClass(L"SoakPart") != nullptr, loaded);
+  if (!loaded) return;
+  auto newPart = krModuleSymbol<KrRxObject* (*)()>(L"everything.krx", "soakNewPart");
+  ASSERT_NE(newPart, nullptr);
+  std::unique_ptr<KrRxObject> part(newPart());
+  wchar_t* text = nullptr;
+  ASSERT_EQ(krrfFormatString(L"%<label>%: %<width>%", part.get(), text), Kesu::eOk);
+  EXPECT_EQ(std::wstring(text).rfind(L"soak part: 2.5", 0), 0u) << text;
+  free(text);
+  KrRxObject* width = nullptr;
+  ASSERT_EQ(krrfEvaluateString(L"width", part.get(), width), Kesu::eOk);
+  EXPECT_EQ(KrVtFloat64::cast(width)->value(), 2.5);
+  delete width;
+  std::unique_ptr<KrRfSymbolIterator> symbols(
+      krrfReflectionService()->reflectionPE(part->isA(), false)->newSymbolIterator(part->isA()));
+  int count = 0;
+  for (; !symbols->done(); symbols->next()) ++count;
+  EXPECT_EQ(count, 3);
+  KrRxOverrule::setIsOverruling(true);
+  EXPECT_TRUE(KrRxOverrule::hasOverrule(part.get(), KrRxQueryXOverrule::desc()));
+  KrRxOverrule::setIsOverruling(false);
+}
 
 // Loads and unloads the module through the linker, then as bare loading,
 // checking the module's registrations in every cycle, and compares the
@@ -85,6 +115,10 @@ TEST(KrRxSoakTest, LoadUnloadCyclesGrowTheHeapNoMoreThanBareLoadingAndTheTablesD
 
 TEST(KrRxSoakTest, ModulesThatRegisterClassesAndServicesGrowTheHeapNoMoreEither) {
   expectNoMoreGrowthThanBareLoadingAndTables(binFile(L"registering.krx"), expectRegistrations);
+}
+
+TEST(KrRxSoakTest, AModuleThatRegistersEverythingAndIsUsedGrowsTheHeapNoMoreEither) {
+  expectNoMoreGrowthThanBareLoadingAndTables(binFile(L"everything.krx"), useEverything);
 }
 
 // An id, once handed out, names its entry or nothing: a module loaded again
