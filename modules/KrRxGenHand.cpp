@@ -294,8 +294,10 @@ KrRxGenHand* KrRxGenHand::setCurModule(KrRxGenHand* module) {
 bool krrxAddAppData(const wchar_t* key, KrRxObject* data) {
   KrRxGenHand* module = KrRxGenHand::curModule();
   if (!module || !module->dictionary() || !key) return false;
-  module->dictionary()->atPut(key, data);
-  return true;
+  // False too when the key could not be copied: then nothing was added.
+  unsigned int id = 0;
+  module->dictionary()->atPut(key, data, id);
+  return module->dictionary()->has(id);
 }
 
 bool krrxRemoveAppData(const wchar_t* key, KrRxObject*) {

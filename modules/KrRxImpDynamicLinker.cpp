@@ -651,15 +651,31 @@ bool KrRxImpDynamicLinker::initListedModules(const wchar_t* listFile) {
 bool KrRxImpDynamicLinker::loadApp(const wchar_t* appName, KesuApp::LoadReasons reason, bool printMessages,
                                    bool asCommand) {
   if (!appName) return false;
-  KesuAppInfo app(appName);
-  if (app.readFromRegistry() != KesuApp::eOk) return false;
-  if ((app.loadCtrls() & KesuApp::kLoadDisabled) || !(app.loadCtrls() & unsigned(reason))) return false;
-  if (!loadModule(app.moduleName(), printMessages, asCommand)) return false;
-  if (KrRxGenHand* module = findModule(app.moduleName())) {
+  std::wstring loader;
+  try {
+    KesuAppInfo app(appName);
+    if (app.readFromRegistry() != KesuApp::eOk) return false;
+    if ((app.loadCtrls() & KesuApp::kLoadDisabled) || !(app.loadCtrls() & unsigned(reason))) return false;
+    loader = app.moduleName();
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  if (!loadModule(loader.c_str(), printMessages, asCommand)) return false;
+  if (KrRxGenHand* module = findModule(loader.c_str())) {
     module->addLogicalAppName(appName);
+    // A module that cannot be found by its application's name goes again.
+    if (!module->hasLogicalAppName(appName)) {
+      unloadModuleEx(loader.c_str(), asCommand, true, false);
+      return false;
+    }
     module->setLoadReason(reason);
   }
-  loadApps(appName);
+  // The applications this one triggers are loads of their own: when memory
+  // runs short for them, this one stays loaded.
+  try {
+    loadApps(appName);
+  } catch (const std::bad_alloc&) {
+  }
   return true;
 }
 

@@ -49,8 +49,11 @@ void makeRoomForMessages() {
   krdbTestClearMessages();
 }
 
+// Unloads the module the way it was loaded: by command or by reference.
 void unloadForGood() {
-  if (krTestLinker()->moduleHandlePtr(kModule)) EXPECT_TRUE(krrxUnloadModule(kModule, false));
+  if (auto* module = static_cast<KrRxGenHand*>(krTestLinker()->moduleHandlePtr(kModule)))
+    EXPECT_TRUE(krrxUnloadModule(kModule, module->uiValue()));
+  krdbTestClearMessages();
   expectModuleState(false);
 }
 
@@ -77,6 +80,55 @@ TEST(KrRxModuleFailureTest, AnUnloadThatRunsOutOfMemoryKeepsTheModuleWhole) {
   }, krSystemTableBytes);
 }
 
+TEST(KrRxModuleFailureTest, ApplicationData) {
+  ASSERT_TRUE(krrxLoadModule(modulePath().c_str(), false, false));
+  auto* module = static_cast<KrRxGenHand*>(krTestLinker()->moduleHandlePtr(kModule));
+  KrRxObject data;
+  krRunFailurePoints("application data", [&](KrAllocationFailure& failure) {
+    KrRxGenHand* resumed = KrRxGenHand::setCurModule(module);
+    bool added = false;
+    EXPECT_TRUE(failure.run([&] { added = krrxAddAppData(L"FailureData", &data); }));
+    EXPECT_EQ(krrxGetAppData(L"FailureData", kModule), added ? &data : nullptr);
+    krrxRemoveAppData(L"FailureData", &data);
+    KrRxGenHand::setCurModule(resumed);
+  });
+  unloadForGood();
+}
+
+// An application registered below a registry key of this test's own, for
+// the life of the object.
+class RegisteredApplication {
+ public:
+  RegisteredApplication() : mSavedKey(krrxKestruneRegistryKey()) {
+    krrxSetKestruneRegistryKey(L"SOFTWARE\\KestruneTests\\Failure\\R20.5");
+    KesuAppInfo app(kName, KesuApp::kLoadByName);
+    app.setModuleName(modulePath().c_str());
+    EXPECT_EQ(app.writeToRegistry(true, true), KesuApp::eOk);
+  }
+  ~RegisteredApplication() {
+    krrxUnregisterApp(kName, true);
+    RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\KestruneTests\\Failure");
+    RegDeleteKeyW(HKEY_CURRENT_USER, L"SOFTWARE\\KestruneTests");  // once no other test's key is left in it
+    krrxSetKestruneRegistryKey(mSavedKey.c_str());
+  }
+  static constexpr const wchar_t* kName = L"KrFailureApp";
+
+ private:
+  std::wstring mSavedKey;
+};
+
+TEST(KrRxModuleFailureTest, DemandLoading) {
+  RegisteredApplication registered;
+  makeRoomForMessages();
+  krRunFailurePoints("demand loading", [&](KrAllocationFailure& failure) {
+    bool loaded = false;
+    EXPECT_TRUE(failure.run([&] { loaded = krrxLoadApp(RegisteredApplication::kName, true); }));
+    expectModuleState(loaded);
+    if (loaded) EXPECT_TRUE(krrxUnloadApp(RegisteredApplication::kName, true));
+    unloadForGood();
+  }, krSystemTableBytes);
+}
+
 TEST(KrRxModuleFailureTest, ListFiles) {
   const std::wstring list = krTestBinDirectory() + L"failure_points.rx";
   krWriteFile(list, krUtf16le(modulePath() + L"\r\n"));
@@ -85,7 +137,6 @@ TEST(KrRxModuleFailureTest, ListFiles) {
     bool loaded = false;
     EXPECT_TRUE(failure.run([&] { loaded = krTestLinker()->initListedModules(list.c_str()); }));
     expectModuleState(loaded);
-    if (loaded) EXPECT_TRUE(krrxUnloadModule(kModule, true) || krrxUnloadModule(kModule, false));
     unloadForGood();
   }, krSystemTableBytes);
   DeleteFileW(list.c_str());

@@ -41,8 +41,9 @@ struct KrFailurePoints {
 };
 
 // Runs scenario for k = 1, 2, ... until a try completes without reaching k,
-// after two warm-up runs without failure. After every try the heap must be
-// back where it was; each try's scenario checks its structures itself.
+// after two warm-up runs without failure. Every try is followed by a run
+// without failure, after which the heap must be back where it was before the
+// try; each run's scenario checks its structures itself.
 // Prints and returns the tally; a crash ends the process naming the point.
 // With KR_FAILURE_TRACE set, each point is named before it runs (for
 // failures that end the process without a crash, such as an abort).
