@@ -329,12 +329,12 @@ void* KrRxImpDynamicLinker::loadModuleEx(const wchar_t* fileName, bool printMess
   // module's directory is current.
   std::wstring path = modulePath(probe.module);
   // A refused signature holds even when its (empty) reason cannot be copied.
-  bool unsigned_ = !mLoadModuleFailReason && signatureRejected(path.c_str());
-  if (unsigned_) setFailReason(L"");
-  if (!mLoadModuleFailReason && !unsigned_) offerToReactors(probe.module);
+  bool signatureRefused = !mLoadModuleFailReason && signatureRejected(path.c_str());
+  if (signatureRefused) setFailReason(L"");
+  if (!mLoadModuleFailReason && !signatureRefused) offerToReactors(probe.module);
   FreeLibrary(probe.module);
   probe.module = nullptr;
-  if (mLoadModuleFailReason || unsigned_) {
+  if (mLoadModuleFailReason || signatureRefused) {
     reportRefusal(fileName, printMessages);
     return nullptr;
   }
