@@ -44,7 +44,8 @@ struct KrFailurePoints {
 // after two warm-up runs without failure. Every try is followed by a run
 // without failure, after which the heap must be back where it was before the
 // try; each run's scenario checks its structures itself.
-// Prints and returns the tally; a crash ends the process naming the point.
+// Prints and returns the tally (the sum over all scenarios is printed when
+// the tests end); a crash ends the process naming the point.
 // With KR_FAILURE_TRACE set, each point is named before it runs (for
 // failures that end the process without a crash, such as an abort).
 // designedBytes, when given, reads the bytes that a try may leave behind by
@@ -52,6 +53,3 @@ struct KrFailurePoints {
 // growth beyond theirs counts.
 KrFailurePoints krRunFailurePoints(const char* name, const std::function<void(KrAllocationFailure&)>& scenario,
                                    const std::function<long long()>& designedBytes = nullptr);
-
-// The tally over every scenario run so far in this process.
-const KrFailurePoints& krFailurePointTotals();
