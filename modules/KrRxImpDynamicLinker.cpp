@@ -451,14 +451,15 @@ bool KrRxImpDynamicLinker::unloadModuleEx(const wchar_t* name, bool asCommand, b
     return false;
   }
   bool vetoed = module->appStatusFlags() & KrRxGenHand::kVetoed;
-  if (asCommand && (module->appStatusFlags() & KrRxGenHand::kLocked) && !vetoed && !force) {
-    if (printMessages) hostMessage(L"\nApplication '%ls' is locked and could not be unloaded.\n", module->FileName());
-    return false;
-  }
-  if (asCommand)
+  if (asCommand) {
+    if ((module->appStatusFlags() & KrRxGenHand::kLocked) && !vetoed && !force) {
+      if (printMessages) hostMessage(L"\nApplication '%ls' is locked and could not be unloaded.\n", module->FileName());
+      return false;
+    }
     module->uiRelease();
-  else
+  } else {
     module->apiRelease();
+  }
   if (!vetoed && !module->safeToUnload()) return true;
   // The record goes with its table entry; the name stays for the reactors.
   // From here on nothing needs the heap, so that a forced unload always
@@ -663,9 +664,10 @@ bool KrRxImpDynamicLinker::loadApp(const wchar_t* appName, KesuApp::LoadReasons 
   if (!loadModule(loader.c_str(), printMessages, asCommand)) return false;
   if (KrRxGenHand* module = findModule(loader.c_str())) {
     module->addLogicalAppName(appName);
-    // A module that cannot be found by its application's name goes again.
+    // A load whose module cannot be found by the application's name is
+    // taken back: the reference it took is dropped again.
     if (!module->hasLogicalAppName(appName)) {
-      unloadModuleEx(loader.c_str(), asCommand, true, false);
+      unloadModuleEx(loader.c_str(), asCommand, false, false);
       return false;
     }
     module->setLoadReason(reason);
