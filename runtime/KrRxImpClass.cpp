@@ -52,7 +52,6 @@ void forEachDescendant(const KrRxImpClass* imp, Visit visit) {
   });
 }
 
-
 }  // namespace
 
 KrRxImpClass::KrRxImpClass(KrRxClass* owner, const wchar_t* name, const wchar_t* parentName,
@@ -357,10 +356,10 @@ void KrRxImpClass::makeOwnTable() {
   Repoint::run(this, shared, own);
 }
 
+// reserveTables has made the room for index.
 void KrRxImpClass::setEntry(int32_t index, KrRxObject* object) {
   KrRxGrowArray<KrRxObject*>& entries = mpPeTable->entries;
   if (index >= entries.count) {
-    entries.reserve(index + 1);
     memset(entries.data + entries.count, 0, (index + 1 - entries.count) * sizeof(KrRxObject*));
     entries.count = index + 1;
   }
