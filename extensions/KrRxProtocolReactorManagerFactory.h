@@ -38,7 +38,8 @@ class KrRxImpProtocolReactorListIterator : public KrRxProtocolReactorListIterato
   KrRxArrayCursor<KrRxProtocolReactorList> mCursor;
 };
 
-class KrRxImpProtocolReactorManagerFactory : public KrRxProtocolReactorManagerFactory {
+// Exported: modules built against the first 20.x release import its class members.
+class KR1ST_API KrRxImpProtocolReactorManagerFactory : public KrRxProtocolReactorManagerFactory {
   KRRX_DECLARE_MEMBERS(KrRxImpProtocolReactorManagerFactory);
 
  public:

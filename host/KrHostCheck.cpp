@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "host/KrHostExportBaseline.h"
 #include "host/KrHostModuleSearch.h"
 #include "host/KrHostPlatform.h"
 #include "host/KrHostVersionProbe.h"
@@ -163,6 +164,7 @@ class ModuleCheck {
 
   void checkVersion() {
     KrHostVersionProbe probe = krhostProbeVersion(mPath);
+    if (probe.returned) mVersion = probe.version;
     if (!probe.returned) {
       fail(L"API version", probe.failure,
            L"krrxGetApiVersion runs before imports are resolved: return a constant and read nothing imported "
@@ -227,12 +229,23 @@ class ModuleCheck {
     image.importedFunctionNames(kRuntimeLibrary, functions);
     HMODULE runtime = GetModuleHandleW(L"kr1st20.dll");
     std::vector<std::wstring> absent;
-    for (const std::string& function : functions)
-      if (!GetProcAddress(runtime, function.c_str())) absent.push_back(readableSymbol(function));
+    // A name some 20.x release exported, or any name missing for a module
+    // older than this runtime, means the runtime lost it.
+    bool removed = mVersion && mVersion < KRRX_CUR_API_VERSION;
+    for (const std::string& function : functions) {
+      if (GetProcAddress(runtime, function.c_str())) continue;
+      absent.push_back(readableSymbol(function));
+      removed = removed || krhostReleasedExport(function);
+    }
     if (absent.empty())
       return pass(L"runtime", functions.empty() ? std::wstring(L"imports nothing from kr1st20.dll")
                                                 : L"all " + std::to_wstring(functions.size()) +
                                                       L" names it imports from kr1st20.dll are present");
+    if (removed)
+      return fail(L"runtime",
+                  L"this runtime lacks " + std::to_wstring(absent.size()) +
+                      L" names the module imports; they were removed or renamed: " + KrHostValue::list(absent).text(),
+                  L"use a 20.x runtime that still exports them; report the removal to the runtime's makers");
     fail(L"runtime",
          L"built against a newer runtime: this kr1st20.dll lacks " + KrHostValue::list(absent).text(),
          L"run it with the runtime it was built for, or rebuild it against this SDK");
@@ -244,6 +257,7 @@ class ModuleCheck {
   std::wstring mPath;
   std::string mBytes;
   std::wstring mFirstFailure;
+  unsigned int mVersion = 0;  // the module's API version, 0 when unread
 };
 
 int runCheck(const KrHostInvocation& invocation) {

@@ -88,7 +88,9 @@ class KR1ST_API KrRxOverruleInternals : public KrRxObject {
 };
 
 // With the switch off queryX is the plain table lookup, inline; with it on
-// the first applicable query overrule decides.
-inline KrRxObject* KrRxObject::queryX(const KrRxClass* protocolClass) const {
+// the first applicable query overrule decides. Always inlined: the library
+// also exports an out-of-line copy under this name for modules built when
+// queryX was not inline, and no other copy may be emitted beside it.
+__attribute__((always_inline)) inline KrRxObject* KrRxObject::queryX(const KrRxClass* protocolClass) const {
   return KrRxOverruleInternals::mIsOverruling ? overruledQueryX(protocolClass) : subQueryX(protocolClass);
 }

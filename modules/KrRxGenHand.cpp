@@ -18,7 +18,7 @@
 #include "krrxsystem.h"
 #include "modules/KrRxGuardedCall.h"
 #include "modules/KrRxImpDynamicLinker.h"
-#include "modules/KrRxPeImage.h"
+#include "modules/KrRxImportBinding.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxGrowArray.h"
 #include "runtime/KrRxImpClass.h"
@@ -86,25 +86,16 @@ HGLOBAL readVersionInfo(HMODULE module) {
   return block;
 }
 
-// The image of a loaded module as the system mapped it, its headers already
-// checked by the loader.
-KrRxPeImage mappedImage(HMODULE module) {
-  auto* base = reinterpret_cast<const unsigned char*>(module);
-  auto* dosHeader = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-  auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dosHeader->e_lfanew);
-  return KrRxPeImage(base, headers->OptionalHeader.SizeOfImage, KrRxPeImage::kMappedLayout);
-}
-
 // The loaded extension modules (those exporting "krrxEntryPoint") that
 // module imports, each once, in import order, without module itself. The
 // import table is read from the mapped image: no second read of the file.
 KrRxGrowArray<HMODULE> findDependencies(HMODULE module) {
   KrRxGrowArray<HMODULE> found;
   std::vector<std::string> names;
-  mappedImage(module).importNames(names);
+  krrxMappedImage(module).importNames(names);
   for (const std::string& name : names) {
-    HMODULE imported = GetModuleHandleA(name.c_str());
-    if (!imported || imported == module || !GetProcAddress(imported, KRRX_ENTRY_POINT)) continue;
+    HMODULE imported = krrxLoadedExtensionModule(name);
+    if (!imported || imported == module) continue;
     bool seen = false;
     for (int32_t i = 0; i < found.count && !seen; ++i) seen = found.data[i] == imported;
     if (!seen) found.append(imported);

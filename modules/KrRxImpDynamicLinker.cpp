@@ -25,6 +25,7 @@
 #include "krrxsystem.h"
 #include "modules/KrRxFileBytes.h"
 #include "modules/KrRxGuardedCall.h"
+#include "modules/KrRxImportBinding.h"
 #include "modules/KrRxListFileReader.h"
 #include "modules/KrRxTrustCheck.h"
 #include "runtime/KrRxCoreClass.h"
@@ -206,6 +207,19 @@ HMODULE loadInItsDirectory(const std::wstring& path, DWORD& error) {
   return module;
 }
 
+// The table entry of a module about to load, or null when memory is short
+// (then nothing was added).
+KrRxGenHand* addTableEntry(KrRxImpDictionary* table, const wchar_t* key) {
+  try {
+    std::unique_ptr<KrRxGenHand> module(new KrRxGenHand());
+    module->setfileName(key);
+    bool added = wcscmp(module->FileName(), key) == 0 && table->putNew(key, module.get());
+    return added ? module.release() : nullptr;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 HMODULE loadTrustLibrary() {
   HMODULE kernel = GetModuleHandleW(L"KERNEL32.DLL");
   return kernel && GetProcAddress(kernel, "GetLocaleInfoEx") ? LoadLibraryW(L"WINTRUST.DLL") : nullptr;
@@ -322,7 +336,12 @@ void* KrRxImpDynamicLinker::loadModuleEx(const wchar_t* fileName, bool printMess
     if (printMessages) reportSystemError(GetLastError());
     return nullptr;
   }
-  if (!acceptsEntryProtocol(probe.module, fileName, printMessages)) return nullptr;
+  std::string unbound;
+  bool bindable = krrxImportsBind(probe.module, unbound);
+  if (!acceptsEntryProtocol(probe.module, fileName, printMessages) || !bindable) {
+    if (!bindable && printMessages) reportSystemError(ERROR_PROC_NOT_FOUND);
+    return nullptr;
+  }
   if (reasonBuffer) memset(reasonBuffer, 0, kReasonBufferSize);
   // The file verified, offered and then loaded is the one the probe found,
   // by its full path: a relative name would resolve differently once the
@@ -367,7 +386,7 @@ bool KrRxImpDynamicLinker::registerLoadedModule(const wchar_t* name, bool printM
   notify(reactorsFirst ? mpReactors : mpDbAppMonitors, &KrRxDLinkerReactor::rxAppWillBeLoaded, name);
   notify(reactorsFirst ? mpDbAppMonitors : mpReactors, &KrRxDLinkerReactor::rxAppWillBeLoaded, name);
   const wchar_t* key = findFileName(name);
-  KrRxGenHand* module = addTableEntry(key);
+  KrRxGenHand* module = addTableEntry(mpLoadedModules, key);
   if (!module) return failLoad(name, nullptr, printMessages);
   char reason[kReasonBufferSize];
   void* handle = nullptr;
@@ -389,19 +408,6 @@ bool KrRxImpDynamicLinker::registerLoadedModule(const wchar_t* name, bool printM
     return failLoad(name, key, printMessages);
   }
   return initialiseModule(module, name, asCommand) || failLoad(name, key, printMessages);
-}
-
-// The table entry of a module about to load, or null when memory is short
-// (then nothing was added).
-KrRxGenHand* KrRxImpDynamicLinker::addTableEntry(const wchar_t* key) {
-  try {
-    std::unique_ptr<KrRxGenHand> module(new KrRxGenHand());
-    module->setfileName(key);
-    bool added = wcscmp(module->FileName(), key) == 0 && mpLoadedModules->putNew(key, module.get());
-    return added ? module.release() : nullptr;
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
 }
 
 // Counts the loader's reference, sends kAppMsgInit and lets the monitors

@@ -93,7 +93,6 @@ class KR1ST_API KrRxImpDynamicLinker : public KrRxDynamicLinker {
   // Offers a probed module to the monitors, then to the reactors, until one refuses it.
   void offerToReactors(void* probe) const;
   bool registerLoadedModule(const wchar_t* name, bool printMessages, bool asCommand, bool reactorsFirst);
-  KrRxGenHand* addTableEntry(const wchar_t* key);
   bool initialiseModule(KrRxGenHand* module, const wchar_t* name, bool asCommand);
   bool failLoad(const wchar_t* name, const wchar_t* key, bool printMessages);
   // The names of the registered applications, in the registry's list order.

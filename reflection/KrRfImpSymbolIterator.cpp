@@ -22,6 +22,15 @@ struct KrRfImpSymbolIteratorLayout {
 };
 #pragma GCC diagnostic pop
 
+namespace {
+
+// Throws std::bad_alloc when the extension cannot be kept.
+void collect(KrRxGrowArray<const KrRfImpReflectionPE*>& extensions, const KrRfImpReflectionPE* extension) {
+  if (!extensions.append(extension)) throw std::bad_alloc();
+}
+
+}  // namespace
+
 KrRfImpSymbolIterator::KrRfImpSymbolIterator(const KrRfImpReflectionPE* start, const KrRxClass* cls)
     : mIndex(0), mpSymbols(nullptr) {
   // An iterator that cannot see every extension is not made.
@@ -37,10 +46,6 @@ KrRfImpSymbolIterator::KrRfImpSymbolIterator(const KrRfImpReflectionPE* start, c
   }
 }
 
-void KrRfImpSymbolIterator::collect(const KrRfImpReflectionPE* extension) {
-  if (!mExtensions.append(extension)) throw std::bad_alloc();
-}
-
 KrRfImpSymbolIterator::~KrRfImpSymbolIterator() {
   delete mpSymbols;
   mExtensions.release();
@@ -51,7 +56,7 @@ KrRfImpSymbolIterator::~KrRfImpSymbolIterator() {
 void KrRfImpSymbolIterator::collectChain(const KrRfImpReflectionPE* start) {
   for (const KrRfReflectionPE* pe = start; pe;
        pe = KrRfImpReflectionPE::extensionOf(pe->ownerClass()->myParent())) {
-    if (const KrRfImpReflectionPE* imp = KrRfImpReflectionPE::cast(pe)) collect(imp);
+    if (const KrRfImpReflectionPE* imp = KrRfImpReflectionPE::cast(pe)) collect(mExtensions, imp);
   }
   std::reverse(mExtensions.data, mExtensions.data + mExtensions.count);
 }
@@ -59,7 +64,7 @@ void KrRfImpSymbolIterator::collectChain(const KrRfImpReflectionPE* start) {
 void KrRfImpSymbolIterator::collectOwn(const KrRfImpReflectionPE* start, const KrRxClass* cls) {
   if (!start->ownerClass()->isDerivedFrom(cls)) return;
   const KrRfImpReflectionPE* own = KrRfImpReflectionPE::cast(KrRfImpReflectionPE::ownExtensionOf(cls));
-  if (own) collect(own);
+  if (own) collect(mExtensions, own);
 }
 
 bool KrRfImpSymbolIterator::openFromIndex() {

@@ -26,8 +26,6 @@ class KR1ST_API KrRfImpSymbolIterator : public KrRfSymbolIterator {
  private:
   void collectChain(const KrRfImpReflectionPE* start);
   void collectOwn(const KrRfImpReflectionPE* start, const KrRxClass* cls);
-  // Throws std::bad_alloc when the extension cannot be kept.
-  void collect(const KrRfImpReflectionPE* extension);
   // Opens the first extension from mIndex on that has symbols; false at the end.
   bool openFromIndex();
 

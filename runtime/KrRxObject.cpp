@@ -62,6 +62,15 @@ KrRxObject* KrRxObject::overruledQueryX(const KrRxClass* protocolClass) const {
                 : subQueryX(protocolClass);
 }
 
+// The out-of-line queryX that modules built against the first 20.x headers
+// import. It carries queryX's mangled name (a member's this pointer is passed
+// as the first argument) and its body is the inline queryX itself.
+KR1ST_API KrRxObject* krrxExportedQueryX(const KrRxObject* object, const KrRxClass* protocolClass) __asm__(
+    "_ZNK10KrRxObject6queryXEPK9KrRxClass");
+KrRxObject* krrxExportedQueryX(const KrRxObject* object, const KrRxClass* protocolClass) {
+  return object->queryX(protocolClass);
+}
+
 KrRxClass* krrxFindKrRxClass(const wchar_t* name) {
   return sysClasses ? static_cast<KrRxClass*>(sysClasses->at(name)) : nullptr;
 }

@@ -73,6 +73,9 @@ TEST(HostCheckTest, ImportVerdicts) {
   expectOnlyFailure(check(L"missingimport.krx"), "imports", "not found: unreachable_helper.dll");
   expectOnlyFailure(check(L"newerruntime.krx"), "runtime",
                     "built against a newer runtime: this kr1st20.dll lacks krrxFunctionOfANewerRuntime");
+  expectOnlyFailure(check(L"olderruntime.krx"), "runtime",
+                    "this runtime lacks 1 names the module imports; they were removed or renamed: "
+                    "krrxFunctionSinceRemoved");
 }
 
 TEST(HostCheckTest, ExtensionModulesItImportsLoadFirst) {

@@ -167,6 +167,16 @@ TEST_F(LinkerTest, TheSigningFactsHoldOnThisPlatform) {
   EXPECT_EQ(ULONG(krVerifyTrust(makeTamperedCopy().c_str())), 0x80096010u);
 }
 
+// Wine would bind the missing import to a stub that ends the process at the
+// first call; the linker refuses the module first, as Windows does.
+TEST_F(LinkerTest, AModuleImportingAFunctionTheRuntimeLacksIsRefused) {
+  EXPECT_FALSE(krrxLoadModule(L"newerruntime.krx", true, true));
+  EXPECT_THAT(krdbTestTakeMessages(),
+              ElementsAre(krSystemText(ERROR_PROC_NOT_FOUND), L"Failed to load 'newerruntime.krx'\n"));
+  EXPECT_EQ(takeEvents(), heard({L"MR willBeLoaded newerruntime.krx", L"MR loadAborted newerruntime.krx"}));
+  EXPECT_EQ(krTestLinker()->moduleHandlePtr(L"newerruntime.krx"), nullptr);
+}
+
 TEST_F(LinkerTest, UnsignedAndTamperedModulesAreRefused) {
   EXPECT_FALSE(krrxLoadModule(L"unsigned.krx", true, true));
   EXPECT_THAT(krdbTestTakeMessages(), ElementsAre(L"Runtime Extension 'unsigned.krx' could not been loaded\n",

@@ -1,0 +1,9 @@
+#pragma once
+// Symbol visibility of kr1st20.dll: exported while the library is built,
+// imported by hosts and modules.
+
+#if defined(KR1ST_BUILDING)
+#define KR1ST_API __declspec(dllexport)
+#else
+#define KR1ST_API __declspec(dllimport)
+#endif

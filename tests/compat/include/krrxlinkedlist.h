@@ -1,0 +1,114 @@
+#pragma once
+// A doubly linked list of runtime objects, with forward and backward
+// iterators. A list never owns the objects it holds.
+
+#include "krheap.h"
+#include "krrxiterator.h"
+#include "krrxobject.h"
+
+class KrRxGenLinkedListIterator;
+
+class KR1ST_API KrRxGenLinkedList : public KrRxObject {
+  KRRX_DECLARE_MEMBERS(KrRxGenLinkedList);
+
+ public:
+  KrRxGenLinkedList();
+  KrRxGenLinkedList(const KrRxGenLinkedList&) = delete;
+  KrRxGenLinkedList& operator=(const KrRxGenLinkedList&) = delete;
+  ~KrRxGenLinkedList() override;
+
+  // True for a list that holds the same objects in the same order.
+  bool isEqualTo(const KrRxObject* other) const override;
+
+  // The first and last objects. The list must not be empty: check
+  // numEntries() first.
+  KrRxObject* getFirstEntry() const;
+  KrRxObject* getLastEntry() const;
+
+  void addNewFirstEntry(KrRxObject* object);
+  void addNewLastEntry(KrRxObject* object);
+
+  // Drop the first (last) entry; false on an empty list. They leave the new
+  // first (last) node's link to the dropped node as it was, and the far end
+  // of a list they empty: after removeFirstEntry do not walk backward (after
+  // removeLastEntry not forward) until an entry is added at that end again.
+  bool removeFirstEntry();
+  bool removeLastEntry();
+
+  // Insert after (before) the iterator's current entry; nothing when the
+  // iterator is null or done. The iterator must walk this list.
+  void addAfterIterator(KrRxGenLinkedListIterator* it, KrRxObject* object);
+  void addBeforeIterator(KrRxGenLinkedListIterator* it, KrRxObject* object);
+  // Moves the iterator on, then removes the entry it was on; false when the
+  // iterator is null or done.
+  bool removeAtIterator(KrRxGenLinkedListIterator* it);
+
+  // A new iterator from the first (forward) or last entry that the caller deletes.
+  KrRxGenLinkedListIterator* newIterator(bool forward = true) const;
+  unsigned int numEntries() const;
+
+ private:
+  struct Node : KrHeapOperators {
+    Node(Node* prev, Node* next, KrRxObject* object) : prev(prev), next(next), object(object) {}
+    Node* prev;
+    Node* next;
+    KrRxObject* object;
+  };
+
+  Node* first() const { return mCount ? mpHead : nullptr; }
+  Node* last() const { return mCount ? mpTail : nullptr; }
+  // Links a new node between prev and next (null meaning the list's ends).
+  void insertBetween(Node* prev, Node* next, KrRxObject* object);
+  void insertBefore(Node* node, KrRxObject* object);
+  void insertAfter(Node* node, KrRxObject* object);
+  void unlink(Node* node);
+
+  Node* mpHead;
+  Node* mpTail;
+  unsigned int mCount;
+
+  friend class KrRxGenLinkedListIterator;
+  friend class KrRxImpSet;
+};
+
+// An empty list that the caller deletes.
+KR1ST_API KrRxGenLinkedList* newKrRxGenLinkedList();
+
+// The iterator of a list: one entry at a time from where it starts. The two
+// variants differ only in their direction.
+class KR1ST_API KrRxGenLinkedListIterator : public KrRxIterator {
+  KRRX_DECLARE_MEMBERS(KrRxGenLinkedListIterator);
+
+ public:
+  bool done() const override;
+  KrRxObject* object() const override;
+
+ protected:
+  typedef KrRxGenLinkedList::Node Node;
+  explicit KrRxGenLinkedListIterator(Node* start) : mpNode(start) {}
+  // Follows link from the current node; false (without moving) when done.
+  bool moveAlong(Node* Node::*link);
+
+ private:
+  Node* mpNode;  // null when done
+
+  friend class KrRxGenLinkedList;
+};
+
+class KR1ST_API KrRxGenLinkedListForwardIterator : public KrRxGenLinkedListIterator {
+ public:
+  bool next() override;
+
+ private:
+  explicit KrRxGenLinkedListForwardIterator(Node* start) : KrRxGenLinkedListIterator(start) {}
+  friend class KrRxGenLinkedList;
+};
+
+class KR1ST_API KrRxGenLinkedListBackwardIterator : public KrRxGenLinkedListIterator {
+ public:
+  bool next() override;
+
+ private:
+  explicit KrRxGenLinkedListBackwardIterator(Node* start) : KrRxGenLinkedListIterator(start) {}
+  friend class KrRxGenLinkedList;
+};
