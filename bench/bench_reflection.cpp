@@ -113,32 +113,24 @@ void benchFormat() {
   krrfFormatString(L"Door %<width>% x %<height>% x %<depth>%", &door, sample);
   std::printf("  template filled: %ls\n", sample);
   free(sample);
-  double ours = bench::nsPerCall(
-      [&](long long) {
-        wchar_t* text = nullptr;
-        krrfFormatString(L"Door %<width>% x %<height>% x %<depth>%", &door, text);
-        free(text);
-      },
-      20000);
-  double theirs = bench::nsPerCall(
-      [&](long long) {
-        wchar_t buffer[128];
-        swprintf(buffer, 128, L"Door %g x %g x %g", door.mWidth, door.mHeight, door.mDepth);
-        bench::keep(buffer);
-      },
-      20000);
-  bench::report("krrfFormatString, 3 placeholders", ours, "swprintf, the same 3 doubles", theirs);
+  auto printing = [&](long long) {
+    wchar_t buffer[128];
+    swprintf(buffer, 128, L"Door %g x %g x %g", door.mWidth, door.mHeight, door.mDepth);
+    bench::keep(buffer);
+  };
+  bench::sideBySide("krrfFormatString, 3 placeholders", [&](long long) {
+    wchar_t* text = nullptr;
+    krrfFormatString(L"Door %<width>% x %<height>% x %<depth>%", &door, text);
+    free(text);
+  }, "swprintf, the same 3 doubles", printing, 20000);
   KrVtFloat64 values[] = {door.mWidth, door.mHeight, door.mDepth};
-  double formatting = bench::nsPerCall(
-      [&](long long) {
-        for (const KrVtFloat64& value : values) {
-          wchar_t* text = nullptr;
-          krrxFormatObject(&value, text, nullptr);
-          free(text);
-        }
-      },
-      20000);
-  bench::report("  of which 3 x krrxFormatObject", formatting, "swprintf, the same 3 doubles", theirs);
+  bench::sideBySide("  of which 3 x krrxFormatObject", [&](long long) {
+    for (const KrVtFloat64& value : values) {
+      wchar_t* text = nullptr;
+      krrxFormatObject(&value, text, nullptr);
+      free(text);
+    }
+  }, "swprintf, the same 3 doubles", printing, 20000);
   pe->removeSymbol(&depth);
   pe->removeSymbol(&height);
   pe->removeSymbol(&width);
@@ -163,15 +155,11 @@ std::wstring asciiCamel(const wchar_t* text) {
 
 void benchCamelCase() {
   const wchar_t* text = L"Größte Höhe der äußeren Tür A2";  // 30 characters
-  double ours = bench::nsPerCall(
-      [&](long long) {
-        wchar_t* name = nullptr;
-        krrfToCamelCase(text, name);
-        free(name);
-      },
-      20000);
-  double theirs = bench::nsPerCall([&](long long) { bench::keep(asciiCamel(text)); }, 20000);
-  bench::report("krrfToCamelCase, 30 characters", ours, "ASCII-only fold into std::wstring", theirs);
+  bench::sideBySide("krrfToCamelCase, 30 characters", [&](long long) {
+    wchar_t* name = nullptr;
+    krrfToCamelCase(text, name);
+    free(name);
+  }, "ASCII-only fold into std::wstring", [&](long long) { bench::keep(asciiCamel(text)); }, 20000);
 }
 
 }  // namespace

@@ -64,27 +64,49 @@ int main() {
   });
   bench::report("KrVtInt16 fromDouble", ours, "range test + cast to short", peer);
 
-  // Writing a value through its formattable, beside printing it into a stack buffer.
-  auto formatCost = [](const KrRxObject* value) {
-    return bench::nsPerCall([&](long long) {
+  // Writing and reading a value through its formattable, beside printing it
+  // into a stack buffer and scanning it with the C library.
+  auto formatting = [](const KrRxObject* value) {
+    return [value](long long) {
       wchar_t* text = nullptr;
       krrxFormatObject(value, text, nullptr);
       free(text);
-    }, 20000);
+    };
   };
-  auto printCost = [](const wchar_t* format, auto value) {
-    return bench::nsPerCall([&](long long) {
+  auto printing = [](const wchar_t* format, auto value) {
+    return [format, value](long long) {
       wchar_t buffer[64];
       bench::keep(__mingw_snwprintf(buffer, 64, format, value));
       bench::keep(buffer);
-    }, 20000);
+    };
   };
   KrVtFloat64 number(1234.5);
   KrVtInt32 whole(-123456);
-  bench::report("krrxFormatObject KrVtFloat64", formatCost(&number), "swprintf %.03f to stack",
-                printCost(L"%.03f", number.value()));
-  bench::report("krrxFormatObject KrVtInt32", formatCost(&whole), "swprintf %ld to stack",
-                printCost(L"%ld", whole.value()));
+  bench::sideBySide("krrxFormatObject KrVtFloat64", formatting(&number), "swprintf %.03f to stack",
+                    printing(L"%.03f", number.value()), 20000);
+  bench::sideBySide("krrxFormatObject KrVtInt32", formatting(&whole), "swprintf %ld to stack",
+                    printing(L"%ld", whole.value()), 20000);
+
+  // The floor under any formatter that hands out a CRT heap text.
+  bench::sideBySide("malloc + free of an 8-character text", [](long long) {
+    void* block = malloc(9 * sizeof(wchar_t));
+    bench::keep(block);
+    free(block);
+  }, "swprintf %ld to stack", printing(L"%ld", whole.value()), 20000);
+
+  auto parsing = [](KrRxObject* value, const wchar_t* text) {
+    return [value, text](long long) { bench::keep(krrxParseObject(value, text, nullptr)); };
+  };
+  auto scanning = [](const wchar_t* format, const wchar_t* text, auto value) {
+    return [format, text, value](long long) mutable {
+      bench::keep(__mingw_swscanf(text, format, &value));
+      bench::keep(value);
+    };
+  };
+  bench::sideBySide("krrxParseObject KrVtFloat64 \"1234.5\"", parsing(&number, L"1234.5"), "swscanf %lf",
+                    scanning(L"%lf", L"1234.5", 0.0), 20000);
+  bench::sideBySide("krrxParseObject KrVtInt32 \"-123456\"", parsing(&whole, L"-123456"), "swscanf %ld",
+                    scanning(L"%ld", L"-123456", 0L), 20000);
 
   ours = bench::nsPerCall([&](long long i) {
     KrRxObject* value = new KrVtFloat64(kSamples[i & 15]);

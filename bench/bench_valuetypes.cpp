@@ -63,28 +63,24 @@ void benchCalendar() {
 void benchDateTimeText() {
   KrVtDateTime value(2460385.0 + 0.354224537);
   KrVtDateTimeFormattable formattable;
-  double writeOurs = bench::nsPerCall([&](long long) {
+  bench::sideBySide("KrVtDateTime toText (+ free)", [&](long long) {
     wchar_t* text = nullptr;
     formattable.toText(&value, text, nullptr);
     free(text);
-  }, 200000);
-  double writePeer = bench::nsPerCall([&](long long) {
+  }, "_snwprintf, same format, stack", [&](long long) {
     wchar_t buffer[64];
     _snwprintf(buffer, 64, L"%04hd-%02hu-%02huT%02hu:%02hu:%02hu.%03huZ", 2024, 3, 15, 8, 30, 5, 250);
     bench::keep(buffer);
   }, 200000);
-  bench::report("KrVtDateTime toText (+ free)", writeOurs, "_snwprintf, same format, stack", writePeer);
-  double readOurs = bench::nsPerCall([&](long long) {
+  bench::sideBySide("KrVtDateTime fromText", [&](long long) {
     formattable.fromText(&value, L"2024-03-15T08:30:05.250Z", nullptr);
     bench::keep(value);
-  }, 200000);
-  double readPeer = bench::nsPerCall([&](long long) {
+  }, "swscanf, same format", [&](long long) {
     short y;
     unsigned short mo, d, h, mi, s, ms;
     __ms_swscanf(L"2024-03-15T08:30:05.250Z", L"%hd-%hu-%huT%hu:%hu:%hu.%huZ", &y, &mo, &d, &h, &mi, &s, &ms);
     bench::keep(ms);
   }, 200000);
-  bench::report("KrVtDateTime fromText", readOurs, "swscanf, same format", readPeer);
 }
 
 void benchFraction() {

@@ -6,6 +6,8 @@
 
 #include "krrxformattable.h"
 #include "reflection/KrRfTextCopy.h"
+#include "values/KrRxFormattable.h"
+#include "values/KrVtNumberFormattable.h"
 
 namespace {
 
@@ -22,16 +24,26 @@ class Composer {
     mLength += count;
   }
 
-  // The formatted value of the property path on object; nothing when it cannot be had.
+  // The formatted value of the property path on object; nothing when it
+  // cannot be had. The plain number kinds write straight into the buffer.
   void appendValue(const wchar_t* path, const KrRxObject* object, const KrRxFormatContext* context) {
     KrRxObject* value = nullptr;
     if (krrfEvaluateString(path, object, value, true) != Kesu::eOk || !value) return;
+    if (KrRxFormattablePE* formattable = krrxFormattableOf(value)) appendText(formattable, value, context);
+    delete value;
+  }
+
+  void appendText(KrRxFormattablePE* formattable, const KrRxObject* value, const KrRxFormatContext* context) {
+    KrVtText::Composer number;
+    if (krvtComposeNumberText(formattable, value, number)) {
+      append(number.text(), number.length());
+      return;
+    }
     wchar_t* text = nullptr;
-    if (krrxFormatObject(value, text, context) == Kesu::eOk && text) {
+    if (formattable->toText(value, text, context) == Kesu::eOk && text) {
       append(text, wcslen(text));
       free(text);
     }
-    delete value;
   }
 
   // A new block of exactly the composed text, or null.

@@ -16,7 +16,7 @@ struct Row {
   const wchar_t* letters;
 };
 
-const Row kRows[] = {
+constexpr Row kRows[] = {
     {0x00C0, L"AAAAAA*CEEEEIIII"}, {0x00D0, L"DNOOOOO.OUUUUY*s"}, {0x00E0, L"aaaaaa*ceeeeiiii"},
     {0x00F0, L"dnooooo.ouuuuy*y"}, {0x0100, L"AaAaAaCcCcCcCcDd"}, {0x0110, L"DdEeEeEeEeEeGgGg"},
     {0x0120, L"GgGgHhHhIiIiIiIi"}, {0x0130, L"Ii..JjKkkLlLlLlL"}, {0x0140, L"lLlNnNnNn***OoOo"},
@@ -33,7 +33,7 @@ struct Pair {
   const wchar_t* text;
 };
 
-const Pair kPairs[] = {
+constexpr Pair kPairs[] = {
     {0x00C6, L"AE"}, {0x00DE, L"Th"}, {0x00E6, L"ae"}, {0x00FE, L"th"}, {0x0149, L"'n"}, {0x014A, L"NG"},
     {0x014B, L"ng"}, {0x0152, L"OE"}, {0x0153, L"oe"}, {0x0195, L"hv"}, {0x01A2, L"OI"}, {0x01A3, L"oi"},
     {0x01A6, L"YR"}, {0x01C4, L"DZ"}, {0x01C5, L"DZ"}, {0x01C6, L"dz"}, {0x01C7, L"Lj"}, {0x01C8, L"Lj"},
@@ -52,95 +52,81 @@ struct AsciiTexts {
 };
 constexpr AsciiTexts kAscii;
 
-// Two levels: 256 pages of 256 replacement texts, a page made on first use.
-class Transliteration {
- public:
-  Transliteration() : mPages() {}
-  ~Transliteration() {
-    for (const wchar_t** page : mPages) __krFree(page);
-  }
-  Transliteration(const Transliteration&) = delete;
-  Transliteration& operator=(const Transliteration&) = delete;
+// The replacement texts by code unit, made once at compile time. Every code
+// unit with a replacement lies below kCodeUnits; the rest have none.
+constexpr unsigned kCodeUnits = 0x300;
 
-  // False when a page could not be made.
-  bool build() {
-    for (wchar_t c = L'A'; c <= L'Z'; ++c)
-      if (!put(c, kAscii.text[c]) || !put(wchar_t(c + 32), kAscii.text[c + 32])) return false;
+struct Transliteration {
+  const wchar_t* replacement[kCodeUnits];
+
+  constexpr Transliteration() : replacement() {
+    for (int c = L'A'; c <= L'Z'; ++c) {
+      replacement[c] = kAscii.text[c];
+      replacement[c + 32] = kAscii.text[c + 32];
+    }
     for (const Row& row : kRows) {
       for (int i = 0; row.letters[i]; ++i) {
         wchar_t letter = row.letters[i];
-        if (letter != L'.' && letter != L'*' && !put(wchar_t(row.first + i), kAscii.text[letter])) return false;
+        if (letter != L'.' && letter != L'*') replacement[row.first + i] = kAscii.text[letter];
       }
     }
-    for (const Pair& pair : kPairs)
-      if (!put(pair.code, pair.text)) return false;
-    return true;
+    for (const Pair& pair : kPairs) replacement[pair.code] = pair.text;
   }
 
   // The replacement of c, or null.
-  const wchar_t* at(wchar_t c) const {
-    const wchar_t** page = mPages[c >> 8];
-    return page ? page[c & 0xFF] : nullptr;
-  }
-
- private:
-  bool put(wchar_t c, const wchar_t* text) {
-    const wchar_t**& page = mPages[c >> 8];
-    if (!page) page = static_cast<const wchar_t**>(__krCalloc(256, sizeof(const wchar_t*)));
-    if (!page) return false;
-    page[c & 0xFF] = text;
-    return true;
-  }
-
-  const wchar_t** mPages[256];
+  const wchar_t* at(wchar_t c) const { return c < kCodeUnits ? replacement[c] : nullptr; }
 };
+constexpr Transliteration kTransliteration;
 
 // ---- Conversion ----
-
-// Plain ASCII for text: at most four characters per input character.
-wchar_t* transliterate(const Transliteration& table, const wchar_t* text) {
-  size_t length = wcslen(text);
-  wchar_t* out = static_cast<wchar_t*>(__krMalloc((4 * length + 1) * sizeof(wchar_t)));
-  if (!out) return nullptr;
-  wchar_t* end = out;
-  for (const wchar_t* p = text; *p; ++p) {
-    const wchar_t* replacement = table.at(*p);
-    if (!replacement) {
-      *end++ = *p;
-      continue;
-    }
-    while (*replacement) *end++ = *replacement++;
-  }
-  *end = 0;
-  return out;
-}
 
 bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 bool isUpper(wchar_t c) { return c >= L'A' && c <= L'Z'; }
 bool isLower(wchar_t c) { return c >= L'a' && c <= L'z'; }
 
-// Writes the camel-case form of the ASCII text plain into out.
-void camelCase(const wchar_t* plain, wchar_t* out) {
-  wchar_t* end = out;
-  bool afterSeparator = false;
-  for (const wchar_t* p = plain; *p; ++p) {
-    wchar_t c = *p;
+// Writes the camel-case form of plain ASCII characters, one at a time.
+class CamelCaseWriter {
+ public:
+  explicit CamelCaseWriter(wchar_t* out) : mOut(out), mEnd(out), mAfterSeparator(false) {}
+
+  void put(wchar_t c) {
     if (isDigit(c)) {
-      if (end == out) *end++ = L'_';
-      *end++ = c;
+      if (mEnd == mOut) *mEnd++ = L'_';
+      *mEnd++ = c;
     } else if (isUpper(c)) {
-      *end++ = afterSeparator ? c : wchar_t(c + 32);
+      *mEnd++ = mAfterSeparator ? c : wchar_t(c + 32);
     } else if (isLower(c)) {
-      *end++ = afterSeparator ? wchar_t(c - 32) : c;
+      *mEnd++ = mAfterSeparator ? wchar_t(c - 32) : c;
     } else if (c == L'_') {
-      *end++ = c;
+      *mEnd++ = c;
     } else {
-      afterSeparator = true;
+      mAfterSeparator = true;
+      return;
+    }
+    mAfterSeparator = false;
+  }
+  void finish() { *mEnd = 0; }
+
+ private:
+  wchar_t* mOut;
+  wchar_t* mEnd;
+  bool mAfterSeparator;
+};
+
+// Writes the camel-case form of text's transliteration into out, which holds
+// at least twice text's length plus two characters (the longest replacement
+// is two letters; a leading digit adds an underscore).
+void camelCase(const wchar_t* text, wchar_t* out) {
+  CamelCaseWriter writer(out);
+  for (const wchar_t* p = text; *p; ++p) {
+    const wchar_t* replacement = kTransliteration.at(*p);
+    if (!replacement) {
+      writer.put(*p);
       continue;
     }
-    afterSeparator = false;
+    while (*replacement) writer.put(*replacement++);
   }
-  *end = 0;
+  writer.finish();
 }
 
 // Replaces the caller's text by a heap copy of text; 6 when memory is short.
@@ -152,22 +138,19 @@ Kesu::ErrorStatus updateString(wchar_t*& target, const wchar_t* text) {
   return Kesu::eOk;
 }
 
+// Names of ordinary length are composed on the stack.
+constexpr size_t kStackName = 256;
+
 }  // namespace
 
 Kesu::ErrorStatus krrfToCamelCase(const wchar_t* text, wchar_t*& result) {
   if (!text) return Kesu::eInvalidInput;
-  Transliteration table;
-  if (!table.build()) return Kesu::eOutOfMemory;
-  wchar_t* plain = transliterate(table, text);
-  if (!plain) return Kesu::eOutOfMemory;
-  size_t length = wcslen(plain) + (isDigit(plain[0]) ? 1 : 0);
-  wchar_t* out = static_cast<wchar_t*>(__krMalloc((length + 1) * sizeof(wchar_t)));
-  Kesu::ErrorStatus status = Kesu::eOutOfMemory;
-  if (out) {
-    camelCase(plain, out);
-    status = updateString(result, out);
-  }
-  __krFree(out);
-  __krFree(plain);
+  size_t capacity = 2 * wcslen(text) + 2;
+  wchar_t onStack[kStackName];
+  wchar_t* out = capacity <= kStackName ? onStack : static_cast<wchar_t*>(__krMalloc(capacity * sizeof(wchar_t)));
+  if (!out) return Kesu::eOutOfMemory;
+  camelCase(text, out);
+  Kesu::ErrorStatus status = updateString(result, out);
+  if (out != onStack) __krFree(out);
   return status;
 }

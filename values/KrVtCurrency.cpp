@@ -10,7 +10,7 @@ Kesu::ErrorStatus KrVtCurrencyFormattable::toText(const KrRxObject* object, wcha
                                                   const KrRxFormatContext*) {
   const KrVtCurrency* amount = KrVtCurrency::cast(object);
   if (!amount) return Kesu::eInvalidInput;
-  return KrVtText::doubleToText(amount->value(), L"%.02f", text);
+  return KrVtText::doubleToText(amount->value(), 2, KrVtText::kFixed, text);
 }
 
 Kesu::ErrorStatus KrVtCurrencyFormattable::fromText(KrRxObject* object, const wchar_t* text,

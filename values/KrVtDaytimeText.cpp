@@ -48,35 +48,56 @@ short fractionToMilliseconds(unsigned short fraction) {
   return static_cast<short>(fraction * static_cast<long>(scale));
 }
 
+// A field as "%0<width>hu" prints it: the short read as unsigned.
+KrVtText::Composer& field(KrVtText::Composer& composer, short v, int width) {
+  return composer.padded(static_cast<unsigned short>(v), width);
+}
+
+// "%04hd-%02hu-%02hu"
+KrVtText::Composer& writeDate(KrVtText::Composer& composer, const Parts& p) {
+  composer.padded(p.year, 4).literal(L"-");
+  field(composer, p.month, 2).literal(L"-");
+  return field(composer, p.day, 2);
+}
+
+enum Precision { kWithMilliseconds, kWithSeconds, kMinutesOnly };
+
+// "%02hu:%02hu", then ":%02hu" and ".%03hu" as precision asks.
+KrVtText::Composer& writeTime(KrVtText::Composer& composer, const Parts& p, Precision precision) {
+  field(composer, p.hour, 2).literal(L":");
+  field(composer, p.minute, 2);
+  if (precision != kMinutesOnly) field(composer.literal(L":"), p.second, 2);
+  if (precision == kWithMilliseconds) field(composer.literal(L"."), p.millisecond, 3);
+  return composer;
+}
+
 }  // namespace
 
 Kesu::ErrorStatus dateTimeToText(double v, wchar_t*& text) {
+  KrVtText::Composer composer;
   if (const wchar_t* special = KrVtText::specialTextOf(v, KrVtText::kUnsetAndInfinity))
-    return KrVtText::printText(text, L"%ls", special);
+    return composer.literal(special).copyTo(text);
   Parts p = partsOf(v);
-  return KrVtText::printText(text, L"%04hd-%02hu-%02huT%02hu:%02hu:%02hu.%03huZ", p.year, p.month, p.day, p.hour,
-                             p.minute, p.second, p.millisecond);
+  writeDate(composer, p).literal(L"T");
+  return writeTime(composer, p, kWithMilliseconds).literal(L"Z").copyTo(text);
 }
 
 Kesu::ErrorStatus dateToText(double v, wchar_t*& text) {
+  KrVtText::Composer composer;
   if (const wchar_t* special = KrVtText::specialTextOf(v, KrVtText::kUnsetAndInfinity))
-    return KrVtText::printText(text, L"%ls", special);
-  Parts p = partsOf(v);
-  const wchar_t* format = KrVtDay::isUniversal(v) ? L"%04hd-%02hu-%02huZ" : L"%04hd-%02hu-%02hu";
-  return KrVtText::printText(text, format, p.year, p.month, p.day);
+    return composer.literal(special).copyTo(text);
+  writeDate(composer, partsOf(v));
+  return composer.literal(KrVtDay::isUniversal(v) ? L"Z" : L"").copyTo(text);
 }
 
 Kesu::ErrorStatus timeToText(double v, wchar_t*& text) {
+  KrVtText::Composer composer;
   if (const wchar_t* special = KrVtText::specialTextOf(v, KrVtText::kUnsetAndInfinity))
-    return KrVtText::printText(text, L"%ls", special);
-  // Rows: model time, universal time; columns: with milliseconds, with seconds, minutes only.
-  static const wchar_t* const kFormats[2][3] = {
-      {L"%02hu:%02hu:%02hu.%03hu", L"%02hu:%02hu:%02hu", L"%02hu:%02hu"},
-      {L"%02hu:%02hu:%02hu.%03huZ", L"%02hu:%02hu:%02huZ", L"%02hu:%02huZ"}};
+    return composer.literal(special).copyTo(text);
   Parts p = partsOf(v);
-  int precision = p.millisecond ? 0 : p.second ? 1 : 2;
-  return KrVtText::printText(text, kFormats[KrVtDay::isUniversal(v)][precision], p.hour, p.minute, p.second,
-                             p.millisecond);
+  Precision precision = p.millisecond ? kWithMilliseconds : p.second ? kWithSeconds : kMinutesOnly;
+  writeTime(composer, p, precision);
+  return composer.literal(KrVtDay::isUniversal(v) ? L"Z" : L"").copyTo(text);
 }
 
 Kesu::ErrorStatus dateTimeFromText(double& v, const wchar_t* text) {

@@ -2,8 +2,6 @@
 
 #include "values/KrVtNumberFormattable.h"
 
-#include <cmath>
-#include <cstdio>
 #include <cwchar>
 #include <type_traits>
 
@@ -13,35 +11,18 @@
 
 namespace {
 
-// The C formats of the integer kinds; printing and scanning use the same one.
-template <typename T> const wchar_t* integerFormat();
-template <> const wchar_t* integerFormat<signed char>() { return L"%hhd"; }
-template <> const wchar_t* integerFormat<unsigned char>() { return L"%hhu"; }
-template <> const wchar_t* integerFormat<short>() { return L"%hd"; }
-template <> const wchar_t* integerFormat<unsigned short>() { return L"%hu"; }
-template <> const wchar_t* integerFormat<int>() { return L"%ld"; }
-template <> const wchar_t* integerFormat<unsigned int>() { return L"%lu"; }
-template <> const wchar_t* integerFormat<__int64>() { return L"%lld"; }
-template <> const wchar_t* integerFormat<unsigned __int64>() { return L"%llu"; }
-
-template <typename T, typename Wide>
-bool scanInto(bool (*scan)(const wchar_t*&, Wide&), const wchar_t* text, T& value) {
-  Wide read;
-  if (!scan(text, read)) return false;
-  value = T(read);
-  return true;
+KrVtText::Composer& composeFloat64(const KrVtFloat64& number, KrVtText::Composer& composer) {
+  return KrVtText::composeDouble(composer, number.value(), 3, KrVtText::kExponentFrom1e10);
 }
 
-// Reads text into value as the type's scanf conversion does: the 64-bit kinds
-// in 64 bits, the others in 32 bits keeping the low bits; value unchanged
-// when there is no number.
+// False when object is not of the integer kind T.
 template <typename T>
-bool scanInteger(const wchar_t* text, T& value) {
-  if (sizeof(T) == 8)
-    return std::is_signed<T>::value ? scanInto(KrVtText::scanInteger, text, value)
-                                    : scanInto(KrVtText::scanUnsigned, text, value);
-  return std::is_signed<T>::value ? scanInto(KrVtText::scanLong, text, value)
-                                  : scanInto(KrVtText::scanUnsignedLong, text, value);
+bool composeInteger(const KrRxObject* object, KrVtText::Composer& composer) {
+  const KrRfValueT<T>* number = KrRfValueT<T>::cast(object);
+  if (!number) return false;
+  using Wide = std::conditional_t<std::is_signed<T>::value, long long, unsigned long long>;
+  composer.integer(Wide(number->value()));
+  return true;
 }
 
 }  // namespace
@@ -51,7 +32,7 @@ bool scanInteger(const wchar_t* text, T& value) {
 Kesu::ErrorStatus KrVtBoolFormattable::toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext*) {
   const KrVtBool* flag = KrVtBool::cast(object);
   if (!flag) return Kesu::eInvalidInput;
-  return KrVtText::printText(text, L"%ls", flag->value() ? L"Yes" : L"No");
+  return KrVtText::Composer().literal(flag->value() ? L"Yes" : L"No").copyTo(text);
 }
 
 Kesu::ErrorStatus KrVtBoolFormattable::fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext*) {
@@ -72,8 +53,8 @@ Kesu::ErrorStatus KrVtBoolFormattable::fromText(KrRxObject* object, const wchar_
 Kesu::ErrorStatus KrVtFloat64Formattable::toText(const KrRxObject* object, wchar_t*& text, const KrRxFormatContext*) {
   const KrVtFloat64* number = KrVtFloat64::cast(object);
   if (!number) return Kesu::eInvalidInput;
-  double value = number->value();
-  return KrVtText::doubleToText(value, std::fabs(value) < 1e10 ? L"%.03f" : L"%.03E", text);
+  KrVtText::Composer composer;
+  return composeFloat64(*number, composer).copyTo(text);
 }
 
 Kesu::ErrorStatus KrVtFloat64Formattable::fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext*) {
@@ -87,9 +68,8 @@ Kesu::ErrorStatus KrVtFloat64Formattable::fromText(KrRxObject* object, const wch
 template <typename T>
 Kesu::ErrorStatus KrVtIntegerFormattable<T>::toText(const KrRxObject* object, wchar_t*& text,
                                                     const KrRxFormatContext*) {
-  const KrRfValueT<T>* number = KrRfValueT<T>::cast(object);
-  if (!number) return Kesu::eInvalidInput;
-  return KrVtText::printText(text, integerFormat<T>(), number->value());
+  KrVtText::Composer composer;
+  return composeInteger<T>(object, composer) ? composer.copyTo(text) : Kesu::eInvalidInput;
 }
 
 template <typename T>
@@ -97,8 +77,7 @@ Kesu::ErrorStatus KrVtIntegerFormattable<T>::fromText(KrRxObject* object, const 
                                                       const KrRxFormatContext*) {
   KrRfValueT<T>* number = KrRfValueT<T>::cast(object);
   if (!number || !text) return Kesu::eInvalidInput;
-  if (!scanInteger(text, number->value())) return Kesu::eInvalidInput;
-  return Kesu::eOk;
+  return KrVtText::scanInteger(text, number->value()) ? Kesu::eOk : Kesu::eInvalidInput;
 }
 
 template class KrVtIntegerFormattable<signed char>;
@@ -109,6 +88,24 @@ template class KrVtIntegerFormattable<int>;
 template class KrVtIntegerFormattable<unsigned int>;
 template class KrVtIntegerFormattable<__int64>;
 template class KrVtIntegerFormattable<unsigned __int64>;
+
+bool krvtComposeNumberText(const KrRxFormattablePE* formattable, const KrRxObject* object,
+                           KrVtText::Composer& composer) {
+  KrRxClass* kind = formattable->isA();
+  if (kind == KrVtFloat64Formattable::desc()) {
+    const KrVtFloat64* number = KrVtFloat64::cast(object);
+    return number && (composeFloat64(*number, composer), true);
+  }
+  if (kind == KrVtInt32Formattable::desc()) return composeInteger<int>(object, composer);
+  if (kind == KrVtUInt32Formattable::desc()) return composeInteger<unsigned int>(object, composer);
+  if (kind == KrVtInt64Formattable::desc()) return composeInteger<__int64>(object, composer);
+  if (kind == KrVtUInt64Formattable::desc()) return composeInteger<unsigned __int64>(object, composer);
+  if (kind == KrVtInt16Formattable::desc()) return composeInteger<short>(object, composer);
+  if (kind == KrVtUInt16Formattable::desc()) return composeInteger<unsigned short>(object, composer);
+  if (kind == KrVtInt8Formattable::desc()) return composeInteger<signed char>(object, composer);
+  if (kind == KrVtUInt8Formattable::desc()) return composeInteger<unsigned char>(object, composer);
+  return false;
+}
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtBoolFormattable, KrRxFormattablePE)
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrVtFloat64Formattable, KrRxFormattablePE)

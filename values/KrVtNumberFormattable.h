@@ -1,8 +1,9 @@
 #pragma once
 // The text forms of the plain numbers: yes/no, the eight integer kinds and
-// Float64. Texts are printed and scanned with the C99 wide formats.
+// Float64, in the digits of their C formats.
 
 #include "krrxformattable.h"
+#include "values/KrVtText.h"
 
 // "Yes" / "No"; reads either without regard to case.
 class KrVtBoolFormattable : public KrRxFormattablePE {
@@ -47,3 +48,10 @@ KRVT_INTEGER_FORMATTABLE(KrVtInt64Formattable, __int64);
 KRVT_INTEGER_FORMATTABLE(KrVtUInt64Formattable, unsigned __int64);
 
 #undef KRVT_INTEGER_FORMATTABLE
+
+// Adds to composer the text that formattable's toText would write for object,
+// without a heap text, when formattable is exactly one of the Float64 and
+// integer formattables above and object is of its class; false otherwise
+// (composer then unchanged), and the caller asks toText.
+bool krvtComposeNumberText(const KrRxFormattablePE* formattable, const KrRxObject* object,
+                           KrVtText::Composer& composer);

@@ -29,22 +29,35 @@ Kesu::ErrorStatus KrVtRatioFormattable::toText(const KrRxObject* object, wchar_t
   if (!ratio) return Kesu::eInvalidInput;
   __int64 numerator = 0;
   unsigned __int64 denominator = 0;
-  if (ratio->toFraction(numerator, denominator) != Kesu::eOk) return KrVtText::printText(text, L"%lf", ratio->value());
-  if (denominator == 1) return KrVtText::printText(text, L"%lld", numerator);
-  return KrVtText::printText(text, L"%lld : %llu", numerator, denominator);
+  KrVtText::Composer composer;
+  if (ratio->toFraction(numerator, denominator) != Kesu::eOk) return composer.fixed(ratio->value(), 6).copyTo(text);
+  composer.integer(numerator);
+  if (denominator != 1) composer.literal(L" : ").integer(denominator);
+  return composer.copyTo(text);
 }
+
+namespace {
+
+const wchar_t* skipSpace(const wchar_t* text) {
+  while (iswspace(*text)) ++text;
+  return text;
+}
+
+}  // namespace
 
 Kesu::ErrorStatus KrVtRatioFormattable::fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext*) {
   KrVtRatio* ratio = KrVtRatio::cast(object);
   if (!ratio || !text) return Kesu::eInvalidInput;
-  // As "%lld : %llu" reads it: white space around the colon is optional.
-  long long numerator = 0;
-  unsigned long long denominator = 0;
-  const wchar_t* rest = text;
-  if (!KrVtText::scanInteger(rest, numerator)) return Kesu::eInvalidInput;
-  while (iswspace(*rest)) ++rest;
-  if (*rest == L':' && KrVtText::scanUnsigned(++rest, denominator))
-    return ratio->fromFraction(numerator, denominator);
+  // Read as "%lld : %llu" reads it, without the C scan (whose heap block
+  // it does not survive losing): white space around the colon is optional.
+  __int64 numerator = 0;
+  unsigned __int64 denominator = 0;
+  if (!KrVtText::scanInteger(text, numerator)) return Kesu::eInvalidInput;
+  const wchar_t* rest = skipSpace(text);
+  if (*rest == L'+' || *rest == L'-') ++rest;
+  while (*rest >= L'0' && *rest <= L'9') ++rest;
+  rest = skipSpace(rest);
+  if (*rest == L':' && KrVtText::scanInteger(rest + 1, denominator)) return ratio->fromFraction(numerator, denominator);
   // One number: the text is read again as a double (1.0 when that fails).
   double single = 1.0;
   KrVtText::scanDouble(text, single);
@@ -56,23 +69,24 @@ Kesu::ErrorStatus KrVtRatioFormattable::fromText(KrRxObject* object, const wchar
 
 namespace {
 
-const wchar_t kPercentFormat[] = L"%ld%%";
-const wchar_t kPermilleFormat[] = L"%ld\u2030";
+const wchar_t kPercentSign[] = L"%";
+const wchar_t kPermilleSign[] = L"\u2030";
 
 // The ratio as a count of units per whole, rounded half away from zero.
 template <typename Units>
-Kesu::ErrorStatus unitsToText(const KrRxObject* object, const wchar_t* format, wchar_t*& text) {
+Kesu::ErrorStatus unitsToText(const KrRxObject* object, const wchar_t* sign, wchar_t*& text) {
   const Units* units = Units::cast(object);
   if (!units) return Kesu::eInvalidInput;
-  return KrVtText::printText(text, format, std::lround(units->value() * Units::kUnitsPerWhole));
+  long count = std::lround(units->value() * Units::kUnitsPerWhole);
+  return KrVtText::Composer().integer(static_cast<long long>(count)).literal(sign).copyTo(text);
 }
 
-// Only the count must be read: the unit sign after it is optional.
+// Only the count must be read ("%ld" and a unit sign, of which the sign is optional).
 template <typename Units>
 Kesu::ErrorStatus unitsFromText(KrRxObject* object, const wchar_t* text) {
   Units* units = Units::cast(object);
   long count = 0;
-  if (!units || !text || !KrVtText::scanLong(text, count)) return Kesu::eInvalidInput;
+  if (!units || !text || !KrVtText::scanInteger(text, count)) return Kesu::eInvalidInput;
   units->value() = double(count) / Units::kUnitsPerWhole;
   return Kesu::eOk;
 }
@@ -81,7 +95,7 @@ Kesu::ErrorStatus unitsFromText(KrRxObject* object, const wchar_t* text) {
 
 Kesu::ErrorStatus KrVtPercentageFormattable::toText(const KrRxObject* object, wchar_t*& text,
                                                     const KrRxFormatContext*) {
-  return unitsToText<KrVtPercentage>(object, kPercentFormat, text);
+  return unitsToText<KrVtPercentage>(object, kPercentSign, text);
 }
 
 Kesu::ErrorStatus KrVtPercentageFormattable::fromText(KrRxObject* object, const wchar_t* text,
@@ -91,7 +105,7 @@ Kesu::ErrorStatus KrVtPercentageFormattable::fromText(KrRxObject* object, const 
 
 Kesu::ErrorStatus KrVtPermilleFormattable::toText(const KrRxObject* object, wchar_t*& text,
                                                   const KrRxFormatContext*) {
-  return unitsToText<KrVtPermille>(object, kPermilleFormat, text);
+  return unitsToText<KrVtPermille>(object, kPermilleSign, text);
 }
 
 Kesu::ErrorStatus KrVtPermilleFormattable::fromText(KrRxObject* object, const wchar_t* text,

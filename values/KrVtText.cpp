@@ -1,10 +1,13 @@
 #include "values/KrVtText.h"
 
+#include <charconv>
 #include <cmath>
-#include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <cwchar>
+#include <limits>
 
 #include "values/KrVtDayValue.h"
 
@@ -14,7 +17,209 @@ namespace {
 const wchar_t kUnsetText[] = L"*";
 const wchar_t kInfinityText[] = L"\u221E";
 const wchar_t kNegativeInfinityText[] = L"-\u221E";
+
+// The C scan format of each integer kind, for texts the shortcut leaves to it.
+template <typename T> const wchar_t* scanFormat();
+template <> const wchar_t* scanFormat<signed char>() { return L"%hhd"; }
+template <> const wchar_t* scanFormat<unsigned char>() { return L"%hhu"; }
+template <> const wchar_t* scanFormat<short>() { return L"%hd"; }
+template <> const wchar_t* scanFormat<unsigned short>() { return L"%hu"; }
+template <> const wchar_t* scanFormat<int>() { return L"%d"; }
+template <> const wchar_t* scanFormat<long>() { return L"%ld"; }
+template <> const wchar_t* scanFormat<unsigned int>() { return L"%lu"; }
+template <> const wchar_t* scanFormat<__int64>() { return L"%lld"; }
+template <> const wchar_t* scanFormat<unsigned __int64>() { return L"%llu"; }
+
+bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+
+// The white space every C runtime skips; any other leaves the text to the C scan.
+bool isPlainSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
+
+// The powers of ten that a long double holds exactly.
+constexpr long double kExactPowersOfTen[] = {1e0L,  1e1L,  1e2L,  1e3L,  1e4L,  1e5L,  1e6L,  1e7L,  1e8L,  1e9L,
+                                             1e10L, 1e11L, 1e12L, 1e13L, 1e14L, 1e15L, 1e16L, 1e17L, 1e18L, 1e19L,
+                                             1e20L, 1e21L, 1e22L, 1e23L, 1e24L, 1e25L, 1e26L, 1e27L};
+constexpr int kLargestExactPower = 27;
+
+// A plain decimal number at the start of a text: a sign, at most 19
+// significant digits and a power of ten. Anything else (more digits, a
+// hexadecimal or incomplete exponent form, unusual white space) is marked to
+// be left to the C scan, whose result the caller then takes.
+class PlainNumber {
+ public:
+  // Integers: white space, sign, digits.
+  static PlainNumber integer(const wchar_t* text) {
+    PlainNumber number(text);
+    number.readDigits(false);
+    return number;
+  }
+  // Doubles: also a fraction and a complete exponent; never "0x...".
+  static PlainNumber decimal(const wchar_t* text) {
+    PlainNumber number(text);
+    const wchar_t* start = number.mNext;
+    number.readDigits(false);
+    if (number.mNext - start == 1 && *start == L'0' && (*number.mNext == L'x' || *number.mNext == L'X'))
+      number.mLeaveToScan = true;
+    if (*number.mNext == L'.') {
+      ++number.mNext;
+      number.readDigits(true);
+    }
+    if (number.mAnyDigit && (*number.mNext == L'e' || *number.mNext == L'E')) number.readExponent();
+    return number;
+  }
+
+  bool usable() const { return mAnyDigit && !mLeaveToScan; }
+  bool negative() const { return mNegative; }
+  uint64_t digits() const { return mDigits; }
+
+  // The double that the C scan reads: the number rounded to the scan's
+  // 64-bit long double first, then to double (ties to even at both steps).
+  // False when the power of ten is not exact in a long double.
+  bool toDouble(double& v) const {
+    if (mDigits == 0) {
+      v = sign(0.0);
+      return true;
+    }
+    if (mPowerOfTen > kLargestExactPower || mPowerOfTen < -kLargestExactPower) return false;
+    long double x = static_cast<long double>(mDigits);
+    x = mPowerOfTen >= 0 ? x * kExactPowersOfTen[mPowerOfTen] : x / kExactPowersOfTen[-mPowerOfTen];
+    v = sign(static_cast<double>(x));
+    return true;
+  }
+
+ private:
+  explicit PlainNumber(const wchar_t* text)
+      : mNext(text), mDigits(0), mSignificant(0), mPowerOfTen(0), mNegative(false), mAnyDigit(false),
+        mLeaveToScan(false) {
+    while (isPlainSpace(*mNext)) ++mNext;
+    if (*mNext == L'-' || *mNext == L'+') mNegative = *mNext++ == L'-';
+  }
+
+  double sign(double v) const { return mNegative ? -v : v; }
+
+  // Leading zeros are not significant; each fraction digit lowers the power.
+  void readDigits(bool fraction) {
+    for (; isDigit(*mNext); ++mNext) {
+      mAnyDigit = true;
+      if (fraction) --mPowerOfTen;
+      if (mDigits == 0 && *mNext == L'0') continue;
+      if (++mSignificant > 19) mLeaveToScan = true;
+      mDigits = mDigits * 10 + unsigned(*mNext - L'0');
+    }
+  }
+
+  // An exponent must be whole here: "1e" and "1e+" are left to the C scan.
+  void readExponent() {
+    ++mNext;
+    bool negative = false;
+    if (*mNext == L'-' || *mNext == L'+') negative = *mNext++ == L'-';
+    if (!isDigit(*mNext)) mLeaveToScan = true;
+    int exponent = 0;
+    for (; isDigit(*mNext); ++mNext)
+      if (exponent < 100000) exponent = exponent * 10 + (*mNext - L'0');
+    mPowerOfTen += negative ? -exponent : exponent;
+  }
+
+  const wchar_t* mNext;
+  uint64_t mDigits;
+  int mSignificant;
+  int mPowerOfTen;
+  bool mNegative;
+  bool mAnyDigit;
+  bool mLeaveToScan;
+};
+
 }  // namespace
+
+// Composer
+
+Composer& Composer::ascii(const char* first, const char* last) {
+  while (first != last) mText[mLength++] = wchar_t(*first++);
+  return *this;
+}
+
+Composer& Composer::integer(long long v) {
+  char digits[24];
+  return ascii(digits, std::to_chars(digits, digits + sizeof digits, v).ptr);
+}
+
+Composer& Composer::integer(unsigned long long v) {
+  char digits[24];
+  return ascii(digits, std::to_chars(digits, digits + sizeof digits, v).ptr);
+}
+
+Composer& Composer::padded(long long v, int width) {
+  char digits[24];
+  char* first = digits;
+  char* last = std::to_chars(digits, digits + sizeof digits, v).ptr;
+  if (v < 0) ascii(first, first + 1), ++first, --width;
+  for (int zeros = width - int(last - first); zeros > 0; --zeros) mText[mLength++] = L'0';
+  return ascii(first, last);
+}
+
+Composer& Composer::fixed(double v, int decimals) {
+  char digits[340];
+  return ascii(digits, std::to_chars(digits, digits + sizeof digits, v, std::chars_format::fixed, decimals).ptr);
+}
+
+Composer& Composer::exponent(double v, int decimals) {
+  char digits[40];
+  char* last = std::to_chars(digits, digits + sizeof digits, v, std::chars_format::scientific, decimals).ptr;
+  *static_cast<char*>(memchr(digits, 'e', size_t(last - digits))) = 'E';
+  return ascii(digits, last);
+}
+
+Composer& Composer::literal(const wchar_t* text) {
+  while (*text) mText[mLength++] = *text++;
+  return *this;
+}
+
+Kesu::ErrorStatus Composer::copyTo(wchar_t*& text) const {
+  if (mLength == 0) return Kesu::eInvalidInput;
+  wchar_t* block = static_cast<wchar_t*>(malloc((mLength + 1) * sizeof(wchar_t)));
+  if (!block) return Kesu::eOutOfMemory;
+  memcpy(block, mText, mLength * sizeof(wchar_t));
+  block[mLength] = 0;
+  text = block;
+  return Kesu::eOk;
+}
+
+// Scanning
+
+bool scanDouble(const wchar_t* text, double& v) {
+  PlainNumber number = PlainNumber::decimal(text);
+  if (number.usable() && number.toDouble(v)) return true;
+  double read = 0;
+  if (__mingw_swscanf(text, L"%lf", &read) != 1) return false;
+  v = read;
+  return true;
+}
+
+template <typename T>
+bool scanInteger(const wchar_t* text, T& v) {
+  PlainNumber number = PlainNumber::integer(text);
+  uint64_t magnitude = number.digits();
+  uint64_t largest = number.negative() ? 0 - static_cast<uint64_t>(std::numeric_limits<T>::min())
+                                       : static_cast<uint64_t>(std::numeric_limits<T>::max());
+  if (number.usable() && magnitude <= largest) {
+    v = static_cast<T>(number.negative() ? 0 - magnitude : magnitude);
+    return true;
+  }
+  T scanned = 0;
+  if (__mingw_swscanf(text, scanFormat<T>(), &scanned) != 1) return false;
+  v = scanned;
+  return true;
+}
+
+template bool scanInteger(const wchar_t*, signed char&);
+template bool scanInteger(const wchar_t*, unsigned char&);
+template bool scanInteger(const wchar_t*, short&);
+template bool scanInteger(const wchar_t*, unsigned short&);
+template bool scanInteger(const wchar_t*, int&);
+template bool scanInteger(const wchar_t*, long&);
+template bool scanInteger(const wchar_t*, unsigned int&);
+template bool scanInteger(const wchar_t*, __int64&);
+template bool scanInteger(const wchar_t*, unsigned __int64&);
 
 const wchar_t* specialTextOf(double v, Specials specials) {
   if (std::isnan(v)) return kUnsetText;
@@ -36,73 +241,21 @@ bool readSpecialText(const wchar_t* text, Specials specials, double& v) {
   return true;
 }
 
-Kesu::ErrorStatus printText(wchar_t*& text, const wchar_t* format, ...) {
-  va_list args, counting;
-  va_start(args, format);
-  va_copy(counting, args);
-  int length = __mingw_vsnwprintf(nullptr, 0, format, counting);
-  va_end(counting);
-  Kesu::ErrorStatus status = Kesu::eInvalidInput;
-  if (length > 0) {
-    wchar_t* block = static_cast<wchar_t*>(malloc((size_t(length) + 1) * sizeof(wchar_t)));
-    status = Kesu::eOutOfMemory;
-    if (block) {
-      __mingw_vsnwprintf(block, size_t(length) + 1, format, args);
-      text = block;
-      status = Kesu::eOk;
-    }
-  }
-  va_end(args);
-  return status;
+Composer& composeDouble(Composer& composer, double v, int decimals, DoubleForm form) {
+  if (const wchar_t* special = specialTextOf(v, kWithNegativeInfinity)) return composer.literal(special);
+  if (form == kExponentFrom1e10 && std::fabs(v) >= 1e10) return composer.exponent(v, decimals);
+  return composer.fixed(v, decimals);
 }
 
-Kesu::ErrorStatus doubleToText(double v, const wchar_t* finiteFormat, wchar_t*& text) {
-  if (const wchar_t* special = specialTextOf(v, kWithNegativeInfinity)) return printText(text, L"%ls", special);
-  return printText(text, finiteFormat, v);
+Kesu::ErrorStatus doubleToText(double v, int decimals, DoubleForm form, wchar_t*& text) {
+  Composer composer;
+  return composeDouble(composer, v, decimals, form).copyTo(text);
 }
 
 Kesu::ErrorStatus doubleFromText(double& v, const wchar_t* text) {
   if (!text) return Kesu::eInvalidInput;
   if (readSpecialText(text, kWithNegativeInfinity, v)) return Kesu::eOk;
-  double read = 0;
-  if (!scanDouble(text, read)) return Kesu::eInvalidInput;
-  v = read;
-  return Kesu::eOk;
-}
-
-namespace {
-
-// Runs a C runtime number reader on text, which reads nothing when it stops at once.
-template <typename Number, typename Reader>
-bool scanWith(const wchar_t*& text, Number& value, Reader read) {
-  wchar_t* end = nullptr;
-  Number number = read(text, &end);
-  if (end == text) return false;
-  text = end;
-  value = number;
-  return true;
-}
-
-}  // namespace
-
-bool scanInteger(const wchar_t*& text, long long& value) {
-  return scanWith(text, value, [](const wchar_t* from, wchar_t** end) { return _wcstoi64(from, end, 10); });
-}
-
-bool scanUnsigned(const wchar_t*& text, unsigned long long& value) {
-  return scanWith(text, value, [](const wchar_t* from, wchar_t** end) { return _wcstoui64(from, end, 10); });
-}
-
-bool scanLong(const wchar_t*& text, long& value) {
-  return scanWith(text, value, [](const wchar_t* from, wchar_t** end) { return wcstol(from, end, 10); });
-}
-
-bool scanUnsignedLong(const wchar_t*& text, unsigned long& value) {
-  return scanWith(text, value, [](const wchar_t* from, wchar_t** end) { return wcstoul(from, end, 10); });
-}
-
-bool scanDouble(const wchar_t*& text, double& value) {
-  return scanWith(text, value, [](const wchar_t* from, wchar_t** end) { return __mingw_wcstod(from, end); });
+  return scanDouble(text, v) ? Kesu::eOk : Kesu::eInvalidInput;
 }
 
 }  // namespace KrVtText

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 
 #include "kr1st.h"
@@ -53,6 +54,28 @@ TEST(KrRfToCamelCase, ReplacesTheCallersTextAndRefusesNone) {
   result = nullptr;
   EXPECT_EQ(krrfToCamelCase(nullptr, result), Kesu::eInvalidInput);
   EXPECT_EQ(result, nullptr);
+}
+
+
+// A digest of the names of every code unit, alone and after a separator and
+// before a letter, recorded from the table as it was first written; any change
+// to a replacement row changes it.
+TEST(KrRfToCamelCase, KeepsTheNameOfEveryCodeUnit) {
+  uint64_t digest = 14695981039346656037ull;
+  for (unsigned code = 1; code <= 0xFFFF; ++code) {
+    const wchar_t alone[] = {wchar_t(code), 0};
+    const wchar_t between[] = {L' ', wchar_t(code), L'z', 0};
+    for (const wchar_t* text : {alone, between}) {
+      wchar_t* name = nullptr;
+      ASSERT_EQ(krrfToCamelCase(text, name), Kesu::eOk);
+      for (const wchar_t* c = name;; ++c) {
+        digest = (digest ^ uint16_t(*c)) * 1099511628211ull;
+        if (!*c) break;
+      }
+      free(name);
+    }
+  }
+  EXPECT_EQ(digest, 0x964f744f642476adull) << std::hex << digest;
 }
 
 }  // namespace
