@@ -11,7 +11,9 @@
 #                       [SIGN_WITH <certificate target> | UNSIGNED]
 #                       [OWN_API_VERSION]
 #                       [LIBRARIES <library>...]
-#                       [DEFINITIONS <definition>...])
+#                       [DEFINITIONS <definition>...]
+#                       [VERSION <major.minor.patch>] [DESCRIPTION <text>]
+#                       [COMPANY <text>] [COPYRIGHT <text>])
 #     A module: a DLL linked against Kestrune::kr1st, named <name><EXTENSION>
 #     (or OUTPUT_NAME), signed after every link with the certificate of
 #     SIGN_WITH, by default with the build tree's throwaway certificate
@@ -20,6 +22,17 @@
 #     (KRRX_DEFINE_API_VERSION()) is linked in; OWN_API_VERSION turns that off.
 #     The file's sections are page-aligned, and Release and MinSizeRel builds
 #     carry no debug sections: both make each load cheaper.
+#     The module carries a version resource (see below) from VERSION (0.0.0
+#     when not given), DESCRIPTION (the target name when not given), COMPANY
+#     and COPYRIGHT.
+#
+#   kestrune_add_version_resource(<target> VERSION <version> DESCRIPTION <text>
+#                                 [COMPANY <text>] [COPYRIGHT <text>] [PRODUCT <text>])
+#     Gives the DLL or module of target a version resource, which Windows
+#     shows in the file's properties and the runtime's module handle reads:
+#     FileVersion and ProductVersion from VERSION (one to four numbers),
+#     FileDescription, CompanyName, LegalCopyright and ProductName from the
+#     texts given, InternalName and OriginalFilename from the file's name.
 #
 #   kestrune_add_signing_certificate(<target>)
 #     Makes, at build time and once per build tree, a throwaway certificate
@@ -41,6 +54,11 @@
 #     the certificate expires.
 
 find_program(KESTRUNE_OPENSSL openssl)
+# Version resources are compiled by the resource compiler of the toolchain.
+get_property(kestrune_languages GLOBAL PROPERTY ENABLED_LANGUAGES)
+if(NOT RC IN_LIST kestrune_languages)
+  enable_language(RC)
+endif()
 find_program(KESTRUNE_OSSLSIGNCODE osslsigncode)
 set_property(GLOBAL PROPERTY KESTRUNE_MODULE_DIR ${CMAKE_CURRENT_LIST_DIR})
 
@@ -97,7 +115,7 @@ endfunction()
 function(kestrune_sign_target target certificate)
   foreach(property PFX CERTIFICATE KEY CHAIN PASSWORD_FILE TIMESTAMP_URL)
     get_target_property(value ${certificate} KESTRUNE_${property})
-    if(value)
+    if(NOT value STREQUAL "")
       set(${property} ${value})
     endif()
   endforeach()
@@ -136,8 +154,49 @@ function(kestrune_link_default_api_version target)
   target_link_options(${target} PRIVATE -Wl,--undefined=krrxGetApiVersion)
 endfunction()
 
+# A text as a resource-script string: quotes doubled, backslashes escaped.
+function(kestrune_rc_string out text)
+  string(REPLACE "\\" "\\\\" text "${text}")
+  string(REPLACE "\"" "\"\"" text "${text}")
+  set(${out} "\"${text}\"" PARENT_SCOPE)
+endfunction()
+
+function(kestrune_add_version_resource target)
+  cmake_parse_arguments(PARSE_ARGV 1 RES "" "VERSION;DESCRIPTION;COMPANY;COPYRIGHT;PRODUCT" "")
+  if(NOT RES_VERSION MATCHES "^[0-9]+(\\.[0-9]+)?(\\.[0-9]+)?(\\.[0-9]+)?$")
+    message(FATAL_ERROR "kestrune_add_version_resource(${target}): VERSION \"${RES_VERSION}\" is not 1 to 4 numbers")
+  endif()
+  string(REPLACE "." ";" numbers ${RES_VERSION})
+  list(LENGTH numbers count)
+  while(count LESS 4)
+    list(APPEND numbers 0)
+    math(EXPR count "${count} + 1")
+  endwhile()
+  list(JOIN numbers "," KR_VERSION_NUMBERS)
+  set(KR_VERSION_VALUES "")
+  foreach(entry IN ITEMS "CompanyName;${RES_COMPANY}" "FileDescription;${RES_DESCRIPTION}"
+                         "FileVersion;${RES_VERSION}" "InternalName;$<TARGET_FILE_BASE_NAME:${target}>"
+                         "LegalCopyright;${RES_COPYRIGHT}" "OriginalFilename;$<TARGET_FILE_NAME:${target}>"
+                         "ProductName;${RES_PRODUCT}" "ProductVersion;${RES_VERSION}")
+    list(GET entry 0 key)
+    list(SUBLIST entry 1 -1 value)
+    if(NOT value STREQUAL "")
+      kestrune_rc_string(value "${value}")
+      string(APPEND KR_VERSION_VALUES "      VALUE \"${key}\", ${value}\n")
+    endif()
+  endforeach()
+  get_property(dir GLOBAL PROPERTY KESTRUNE_MODULE_DIR)
+  set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc)
+  # The file names come from the target once it is generated, so OUTPUT_NAME may be set later.
+  configure_file(${dir}/KestruneVersion.rc.in ${script}.in @ONLY)
+  file(GENERATE OUTPUT ${script} INPUT ${script}.in TARGET ${target})
+  set_source_files_properties(${script} PROPERTIES GENERATED TRUE)
+  target_sources(${target} PRIVATE ${script})
+endfunction()
+
 function(kestrune_add_module name)
-  cmake_parse_arguments(PARSE_ARGV 1 MODULE "UNSIGNED;OWN_API_VERSION" "EXTENSION;OUTPUT_NAME;OUTPUT_DIRECTORY;SIGN_WITH"
+  cmake_parse_arguments(PARSE_ARGV 1 MODULE "UNSIGNED;OWN_API_VERSION"
+                        "EXTENSION;OUTPUT_NAME;OUTPUT_DIRECTORY;SIGN_WITH;VERSION;DESCRIPTION;COMPANY;COPYRIGHT"
                         "SOURCES;LIBRARIES;DEFINITIONS")
   if(NOT MODULE_EXTENSION)
     set(MODULE_EXTENSION .krx)
@@ -157,6 +216,14 @@ function(kestrune_add_module name)
     kestrune_link_default_api_version(${name})
   endif()
   kestrune_use_module_layout(${name})
+  if(NOT MODULE_VERSION)
+    set(MODULE_VERSION 0.0.0)
+  endif()
+  if(NOT MODULE_DESCRIPTION)
+    set(MODULE_DESCRIPTION ${name})
+  endif()
+  kestrune_add_version_resource(${name} VERSION ${MODULE_VERSION} DESCRIPTION "${MODULE_DESCRIPTION}"
+                                COMPANY "${MODULE_COMPANY}" COPYRIGHT "${MODULE_COPYRIGHT}")
   if(MODULE_UNSIGNED)
     return()
   endif()

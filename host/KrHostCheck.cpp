@@ -11,6 +11,7 @@
 
 #include "host/KrHostExportBaseline.h"
 #include "host/KrHostModuleSearch.h"
+#include "host/KrHostModuleVersion.h"
 #include "host/KrHostPlatform.h"
 #include "host/KrHostVersionProbe.h"
 #include "kr1st.h"
@@ -98,6 +99,7 @@ class ModuleCheck {
   bool finish() {
     bool loads = mFirstFailure.empty();
     mReport.field("path", L"File", mPath.empty() ? KrHostValue() : KrHostValue(mPath));
+    krhostReportVersion(mReport, mPath.empty() ? KrHostModuleVersion() : krhostVersionOfFile(mPath));
     mReport.field("loads", L"Would load", KrHostValue::truth(loads));
     mReport.field("reason", L"Why not", loads ? KrHostValue() : KrHostValue(mFirstFailure));
     return loads;

@@ -44,7 +44,8 @@ std::wstring overallHelp(const KrHostCommandTable& table) {
     name.resize(14, L' ');
     text += name + command.summary + L"\n";
   }
-  return text + L"\nWithout a command krhost runs the demo. \"krhost <command> --help\" tells more.\n"
+  return text + L"\nWithout a command krhost runs the demo. \"krhost <command> --help\" tells more;\n"
+                L"\"krhost --version\" tells the release.\n"
                 L"Exit status: 0 on success, 1 on failure.\n";
 }
 
@@ -113,7 +114,10 @@ std::vector<std::wstring> KrHostInvocation::values(const wchar_t* option) const 
 }
 
 int KrHostInvocation::print(const KrHostReport& report, int exitCode) const {
-  krhostWrite(mJson ? report.json() : report.text());
+  if (mJson)
+    krhostWriteUtf8(report.json());
+  else
+    krhostWrite(report.text());
   return exitCode;
 }
 
@@ -121,6 +125,10 @@ int krhostRun(const KrHostCommandTable& table, int argc, wchar_t** argv) {
   std::wstring name = argc > 1 ? argv[1] : kDefaultCommand;
   if (name == L"--help" || name == L"-h" || name == L"help") {
     krhostWrite(overallHelp(table));
+    return kSuccess;
+  }
+  if (name == L"--version") {
+    krhostWrite(L"krhost " KESTRUNE_VERSION L"\n");
     return kSuccess;
   }
   const KrHostCommand* command = findCommand(table, name);

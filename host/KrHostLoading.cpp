@@ -95,6 +95,7 @@ KrHostLoad krhostLoadModule(const std::wstring& name) {
   Snapshot after;
   KrRxGenHand* module = krhostModule(name.c_str());
   load.module = module ? module->FileName() : name;
+  load.version = krhostVersionOfBlock(module ? module->versionInfo() : nullptr);
   load.classes = added(before.classes, after.classes);
   load.services = added(before.services, after.services);
   load.appData = appDataOf(module);

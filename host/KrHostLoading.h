@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/KrHostCommand.h"
+#include "host/KrHostModuleVersion.h"
 
 class KrRxDynamicLinker;
 class KrRxGenHand;
@@ -20,6 +21,7 @@ struct KrHostLoad {
   std::wstring module;  // the file name in the loaded-module table ("" when it failed)
   bool loaded = false;
   std::vector<std::wstring> messages;  // what the linker wrote, one line each
+  KrHostModuleVersion version;         // read from the module handle's version block
   std::vector<std::wstring> classes;   // classes that joined the class dictionary
   std::vector<std::wstring> services;  // services that joined the service dictionary
   std::vector<std::wstring> appData;   // the module's application data: "key (class)"

@@ -16,6 +16,7 @@ void reportLoad(KrHostReport& report, const KrHostLoad& load) {
   report.field("loaded", L"Loaded", KrHostValue::truth(load.loaded));
   report.field("messages", L"Messages", KrHostValue::list(load.messages));
   if (!load.loaded) return;
+  krhostReportVersion(report, load.version);
   report.field("classes", L"Classes added", KrHostValue::list(load.classes));
   report.field("services", L"Services added", KrHostValue::list(load.services));
   report.field("appData", L"Application data", KrHostValue::list(load.appData));

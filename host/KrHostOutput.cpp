@@ -5,9 +5,10 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cstdio>
-#include <cwchar>
 
 namespace {
 
@@ -24,18 +25,9 @@ std::wstring oneLine(std::wstring text) {
 
 void pad(std::wstring& out, size_t width, size_t used) { out.append(width > used ? width - used : 0, L' '); }
 
-std::string utf8(const std::wstring& text) {
-  if (text.empty()) return {};
-  int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), int(text.size()), nullptr, 0, nullptr, nullptr);
-  std::string bytes(size_t(size), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), int(text.size()), &bytes[0], size, nullptr, nullptr);
-  return bytes;
-}
-
-// UTF-8 bytes as they are: no line-end translation.
-void writeTo(FILE* stream, const std::wstring& text) {
+// Bytes as they are: no line-end translation.
+void writeTo(FILE* stream, const std::string& bytes) {
   _setmode(_fileno(stream), _O_BINARY);
-  std::string bytes = utf8(text);
   fwrite(bytes.data(), 1, bytes.size(), stream);
   fflush(stream);
 }
@@ -95,46 +87,22 @@ std::vector<std::wstring> KrHostValue::textLines() const {
   return lines;
 }
 
-void KrHostValue::appendJson(std::wstring& out) const {
+nlohmann::ordered_json KrHostValue::toJson() const {
   switch (mKind) {
     case Kind::kNothing:
-      out += L"null";
-      return;
+      return nullptr;
     case Kind::kText:
-      out += krhostJsonString(mText);
-      return;
+      return krhostUtf8(mText);
     case Kind::kNumber:
-      out += std::to_wstring(mNumber);
-      return;
+      return mNumber;
     case Kind::kTruth:
-      out += mNumber ? L"true" : L"false";
-      return;
+      return mNumber != 0;
     case Kind::kList:
       break;
   }
-  out += L'[';
-  for (size_t i = 0; i < mList.size(); ++i) out += (i ? L"," : L"") + krhostJsonString(mList[i]);
-  out += L']';
-}
-
-std::wstring krhostJsonString(const std::wstring& text) {
-  static const wchar_t kSpecial[] = L"\"\\\n\r\t";
-  static const wchar_t kEscape[] = L"\"\\nrt";
-  std::wstring out = L"\"";
-  for (wchar_t unit : text) {
-    const wchar_t* special = unit ? wcschr(kSpecial, unit) : nullptr;
-    if (special) {
-      out += L'\\';
-      out += kEscape[special - kSpecial];
-    } else if (unit < 0x20) {
-      wchar_t escape[8];
-      swprintf(escape, 8, L"\\u%04x", unsigned(unit));
-      out += escape;
-    } else {
-      out += unit;
-    }
-  }
-  return out + L"\"";
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  for (const std::wstring& item : mList) list.push_back(krhostUtf8(item));
+  return list;
 }
 
 // ---- Tables ----
@@ -181,17 +149,14 @@ void KrHostTable::appendText(std::wstring& out, const std::wstring& margin) cons
   if (mRows.empty()) out += margin + L"(none)\n";
 }
 
-void KrHostTable::appendJson(std::wstring& out) const {
-  out += L'[';
-  for (size_t r = 0; r < mRows.size(); ++r) {
-    out += r ? L",{" : L"{";
-    for (size_t c = 0; c < mColumns.size(); ++c) {
-      out += (c ? L"," : L"") + krhostJsonString(std::wstring(mColumns[c].key.begin(), mColumns[c].key.end())) + L":";
-      mRows[r].cells[c].appendJson(out);
-    }
-    out += L'}';
+nlohmann::ordered_json KrHostTable::toJson() const {
+  nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+  for (const Row& row : mRows) {
+    nlohmann::ordered_json object = nlohmann::ordered_json::object();
+    for (size_t c = 0; c < mColumns.size(); ++c) object[mColumns[c].key] = row.cells[c].toJson();
+    rows.push_back(std::move(object));
   }
-  out += L']';
+  return rows;
 }
 
 // ---- Reports ----
@@ -251,33 +216,37 @@ std::wstring KrHostReport::text() const {
   return out;
 }
 
-void KrHostReport::appendJson(std::wstring& out) const {
-  out += L'{';
-  for (size_t i = 0; i < mEntries.size(); ++i) {
-    const Entry& entry = mEntries[i];
-    out += (i ? L"," : L"") + krhostJsonString(std::wstring(entry.key.begin(), entry.key.end())) + L":";
+nlohmann::ordered_json KrHostReport::toJson() const {
+  nlohmann::ordered_json object = nlohmann::ordered_json::object();
+  for (const Entry& entry : mEntries) {
+    nlohmann::ordered_json& member = object[entry.key];
     if (entry.table) {
-      entry.table->appendJson(out);
+      member = entry.table->toJson();
     } else if (!entry.children.empty()) {
-      out += L'[';
-      for (size_t c = 0; c < entry.children.size(); ++c) {
-        if (c) out += L',';
-        entry.children[c]->appendJson(out);
-      }
-      out += L']';
+      member = nlohmann::ordered_json::array();
+      for (const auto& child : entry.children) member.push_back(child->toJson());
     } else {
-      entry.value.appendJson(out);
+      member = entry.value.toJson();
     }
   }
-  out += L'}';
+  return object;
 }
 
-std::wstring KrHostReport::json() const {
-  std::wstring out;
-  appendJson(out);
-  return out + L"\n";
+std::string KrHostReport::json() const {
+  // Texts are converted from UTF-16, so they are valid UTF-8 (lone surrogates become U+FFFD).
+  return toJson().dump() + "\n";
 }
 
-void krhostWrite(const std::wstring& text) { writeTo(stdout, text); }
+std::string krhostUtf8(const std::wstring& text) {
+  if (text.empty()) return {};
+  int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), int(text.size()), nullptr, 0, nullptr, nullptr);
+  std::string bytes(size_t(size), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, text.data(), int(text.size()), &bytes[0], size, nullptr, nullptr);
+  return bytes;
+}
 
-void krhostWriteError(const std::wstring& text) { writeTo(stderr, text); }
+void krhostWrite(const std::wstring& text) { writeTo(stdout, krhostUtf8(text)); }
+
+void krhostWriteUtf8(const std::string& bytes) { writeTo(stdout, bytes); }
+
+void krhostWriteError(const std::wstring& text) { writeTo(stderr, krhostUtf8(text)); }

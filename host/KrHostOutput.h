@@ -10,6 +10,8 @@
 //   classes.row({L"KrRxObject", KrHostValue()});
 //   krhostWrite(json ? report.json() : report.text());
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -29,7 +31,8 @@ class KrHostValue {
   // The text form as lines: a list's items one per line, anything else one line.
   std::vector<std::wstring> textLines() const;
   bool isEmptyList() const { return mKind == Kind::kList && mList.empty(); }
-  void appendJson(std::wstring& out) const;
+  // The JSON form: null, a string, a number, true or false, or an array of strings.
+  nlohmann::ordered_json toJson() const;
 
  private:
   enum class Kind { kNothing, kText, kNumber, kTruth, kList };
@@ -56,7 +59,8 @@ class KrHostTable {
   size_t size() const { return mRows.size(); }
 
   void appendText(std::wstring& out, const std::wstring& margin) const;
-  void appendJson(std::wstring& out) const;
+  // An array with one object per row, its members the columns in order.
+  nlohmann::ordered_json toJson() const;
 
  private:
   struct Row {
@@ -82,8 +86,8 @@ class KrHostReport {
   KrHostReport& child(std::string key);
 
   std::wstring text() const;
-  // One JSON object, closed by a line break at the top level.
-  std::wstring json() const;
+  // One JSON object in UTF-8, its members in the order added, closed by a line break.
+  std::string json() const;
 
  private:
   struct Entry {
@@ -94,16 +98,18 @@ class KrHostReport {
     std::vector<std::unique_ptr<KrHostReport>> children;
   };
 
-  void appendJson(std::wstring& out) const;
+  nlohmann::ordered_json toJson() const;
   size_t labelWidth() const;
 
   std::vector<Entry> mEntries;
 };
 
-// A JSON string literal for text, quotes included.
-std::wstring krhostJsonString(const std::wstring& text);
+// Text in UTF-8.
+std::string krhostUtf8(const std::wstring& text);
 
 // Writes text to standard output as UTF-8, unchanged line ends.
 void krhostWrite(const std::wstring& text);
+// Writes UTF-8 bytes to standard output as they are.
+void krhostWriteUtf8(const std::string& bytes);
 // Writes text to standard error as UTF-8.
 void krhostWriteError(const std::wstring& text);

@@ -1,5 +1,6 @@
 #pragma once
-// The Kestrune runtime: every public header of kr1st20.dll.
+/// @file
+/// The Kestrune runtime: every public header of kr1st20.dll.
 
 #include "kesuappregistry.h"
 #include "krdiagnostics.h"

@@ -1,22 +1,25 @@
 #pragma once
-// Database-wide events. The host's database library derives its broadcaster
-// from KrRxEvent and fires the callbacks; a module derives a listener from
-// KrRxEventReactor, overrides the callbacks it needs (all others do
-// nothing) and registers it with the host's event object.
-//
-//   class MySaveWatcher : public KrRxEventReactor {
-//     void beginSave(KrDbDatabase* db, const wchar_t* fileName) override { flushCaches(db); }
-//   };
-//   hostEvent->addReactor(&myWatcher);   // remove it before it is destroyed
-//
-// The callbacks' order is the calling contract with modules: keep it, and
-// keep the spellings (comandeered, xrefSubcommand... beside xrefSubCommand...).
+/// @file
+/// Database-wide events. The host's database library derives its broadcaster
+/// from KrRxEvent and fires the callbacks; a module derives a listener from
+/// KrRxEventReactor, overrides the callbacks it needs (all others do
+/// nothing) and registers it with the host's event object.
+///
+/// @code
+///   class MySaveWatcher : public KrRxEventReactor {
+///     void beginSave(KrDbDatabase* db, const wchar_t* fileName) override { flushCaches(db); }
+///   };
+///   hostEvent->addReactor(&myWatcher);   // remove it before it is destroyed
+///
+/// @endcode
+/// The callbacks' order is the calling contract with modules: keep it, and
+/// keep the spellings (comandeered, xrefSubcommand... beside xrefSubCommand...).
 
 #include "krerrorstatus.h"
 #include "krrxobject.h"
 
-// Types of the host's database and geometry libraries, passed by pointer or
-// reference only.
+/// Types of the host's database and geometry libraries, passed by pointer or
+/// reference only.
 class KrDbDatabase;
 class KrDbIdMapping;
 class KrGeMatrix3d;
@@ -24,24 +27,27 @@ class KrGePoint3d;
 template <typename T>
 class KrArray;
 namespace KrDb {
-// The host's drawing units; the host's definition keeps int as underlying type.
+/// The host's drawing units; the host's definition keeps int as underlying type.
 enum UnitsValue : int;
 }  // namespace KrDb
 
-// The host's external-reference subcommand, passed by value; the host
-// defines its values and keeps int as underlying type.
+/// The host's external-reference subcommand, passed by value; the host
+/// defines its values and keeps int as underlying type.
 enum KrXrefSubCommand : int;
 
-// An object id of the host's database, passed by value. The host's own id
-// type must keep this layout: one pointer-sized handle, trivially copyable.
+/// An object id of the host's database, passed by value. The host's own id
+/// type must keep this layout: one pointer-sized handle, trivially copyable.
 class KrDbObjectId {
  public:
   KrDbObjectId() = default;
+  /// The id of a handle, the handle, whether it is null, and equality by handle.
+  ///@{
   explicit KrDbObjectId(void* handle) : mpHandle(handle) {}
   void* handle() const { return mpHandle; }
   bool isNull() const { return mpHandle == nullptr; }
   bool operator==(const KrDbObjectId& other) const { return mpHandle == other.mpHandle; }
   bool operator!=(const KrDbObjectId& other) const { return mpHandle != other.mpHandle; }
+  ///@}
 
  private:
   void* mpHandle = nullptr;
@@ -50,20 +56,25 @@ static_assert(sizeof(KrDbObjectId) == 8, "an object id is one pointer-sized hand
 
 class KrRxEventReactor;
 
-// The broadcaster, implemented by the host.
+/// The broadcaster, implemented by the host.
 class KR1ST_API KrRxEvent : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxEvent);
 
  public:
+  /// Adds or removes a listener; the event never owns it.
+  ///@{
   virtual void addReactor(KrRxEventReactor* reactor) = 0;
   virtual void removeReactor(KrRxEventReactor* reactor) = 0;
+  ///@}
 };
 
-// The base of every listener; every callback does nothing.
+/// The base of every listener; every callback does nothing.
 class KR1ST_API KrRxEventReactor : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxEventReactor);
 
  public:
+  /// The host's database events, each named after what happened; the host calls them, a listener overrides those it needs.
+  ///@{
   virtual void databaseConstructed(KrDbDatabase* database);
   virtual void databaseToBeDestroyed(KrDbDatabase* database);
   virtual void fileOpened(KrDbDatabase* database, wchar_t* fileName);
@@ -124,4 +135,5 @@ class KR1ST_API KrRxEventReactor : public KrRxObject {
   virtual void preXrefLockFile(KrDbDatabase* database, KrDbObjectId blockId);
   virtual void beginUnitsChange(KrDbDatabase* database, const KrDb::UnitsValue& units, bool scaling);
   virtual void endUnitsChange(KrDbDatabase* database, const KrDb::UnitsValue& units, bool scaling);
+  ///@}
 };

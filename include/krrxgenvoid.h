@@ -1,12 +1,16 @@
 #pragma once
-// A runtime object holding one untyped pointer, compared by that pointer.
+/// @file
+/// A runtime object holding one untyped pointer, compared by that pointer.
 
 #include "krrxobject.h"
 
+/// A runtime object holding one untyped pointer; equal when the pointers are.
 class KR1ST_API KrRxGenVoid : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxGenVoid);
 
  public:
+  /// Holds val (null by default), copies and compares it; it is never dereferenced.
+  ///@{
   KrRxGenVoid() : mpVal(nullptr) {}
   explicit KrRxGenVoid(void* val) : mpVal(val) {}
   KrRxGenVoid(const KrRxGenVoid& other) : KrRxObject(), mpVal(other.mpVal) {}
@@ -25,6 +29,7 @@ class KR1ST_API KrRxGenVoid : public KrRxObject {
 
   void setVal(void* val) { mpVal = val; }
   void* getVal() const { return mpVal; }
+  ///@}
 
  private:
   void* mpVal;

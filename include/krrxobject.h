@@ -1,6 +1,7 @@
 #pragma once
-// The root of every runtime object, and the per-class run-time type members
-// that each class of the runtime (and of any module) carries.
+/// @file
+/// The root of every runtime object, and the per-class run-time type members
+/// that each class of the runtime (and of any module) carries.
 
 #include "krerrorstatus.h"
 #include "krexport.h"
@@ -10,13 +11,13 @@ class KrRxClass;
 
 namespace KrRx {
 
-// Result of comparedTo.
+/// Result of comparedTo.
 enum Ordering : int { kLessThan = -1, kEqual = 0, kGreaterThan = 1, kNotOrderable = 2 };
 
 }  // namespace KrRx
 
-// Declares the run-time type members of CLASS: the cached descriptor
-// pointer, desc(), isA(), the two cast() overloads and rxInit().
+/// Declares the run-time type members of CLASS: the cached descriptor
+/// pointer, desc(), isA(), the two cast() overloads and rxInit().
 #define KRRX_DECLARE_MEMBERS(CLASS)                                                \
  protected:                                                                        \
   static KrRxClass* gpDesc;                                                        \
@@ -32,8 +33,8 @@ enum Ordering : int { kLessThan = -1, kEqual = 0, kGreaterThan = 1, kNotOrderabl
   KrRxClass* isA() const override;                                                 \
   static void rxInit()
 
-// Defines desc() and isA() of CLASS: the descriptor is looked up by name in
-// the class dictionary once and then kept.
+/// Defines desc() and isA() of CLASS: the descriptor is looked up by name in
+/// the class dictionary once and then kept.
 #define KRRX_DEFINE_MEMBERS(CLASS)                                              \
   KrRxClass* CLASS::gpDesc = nullptr;                                           \
   KrRxClass* CLASS::desc() {                                                    \
@@ -42,12 +43,13 @@ enum Ordering : int { kLessThan = -1, kEqual = 0, kGreaterThan = 1, kNotOrderabl
   }                                                                             \
   KrRxClass* CLASS::isA() const { return gpDesc ? gpDesc : desc(); }
 
-// rxInit() for a module's class: creates the descriptor on CLASS's name, its
-// parent's name and a pseudo-constructor (none for abstract classes).
+/// rxInit() for a module's class: creates the descriptor on CLASS's name, its
+/// parent's name and a pseudo-constructor (none for abstract classes).
 #define KRRX_NO_CONS_DEFINE_MEMBERS(CLASS, PARENT)                              \
   KRRX_DEFINE_MEMBERS(CLASS)                                                    \
   void CLASS::rxInit() { gpDesc = newKrRxClass(L## #CLASS, L## #PARENT, 0, nullptr, nullptr, nullptr); }
 
+/// rxInit() and the run-time type members of a module's class that has a default constructor.
 #define KRRX_CONS_DEFINE_MEMBERS(CLASS, PARENT)                                 \
   KRRX_DEFINE_MEMBERS(CLASS)                                                    \
   static KrRxObject* CLASS##PseudoConstructor() { return new CLASS(); }         \
@@ -56,47 +58,51 @@ enum Ordering : int { kLessThan = -1, kEqual = 0, kGreaterThan = 1, kNotOrderabl
                           nullptr, nullptr);                                    \
   }
 
-// The root class. No data; everything is reached through virtual operations
-// (slot order fixed: destructor, isA, clone, copyFrom, isEqualTo, comparedTo,
-// subQueryX).
+/// The root class. No data; everything is reached through virtual operations
+/// (slot order fixed: destructor, isA, clone, copyFrom, isEqualTo, comparedTo,
+/// subQueryX).
 class KR1ST_API KrRxObject : public KrHeapOperators {
  public:
   virtual ~KrRxObject();
+  /// The descriptor of this object's class.
   virtual KrRxClass* isA() const;
-  // A new object of the same class holding a copy of this one, or null.
+  /// A new object of the same class holding a copy of this one, or null.
   virtual KrRxObject* clone() const;
-  // 0 on success; the root version reports an unimplemented copy and gives 1.
+  /// 0 on success; the root version reports an unimplemented copy and gives 1.
   virtual Kesu::ErrorStatus copyFrom(const KrRxObject* other);
-  // Root version: identity.
+  /// Root version: identity.
   virtual bool isEqualTo(const KrRxObject* other) const;
-  // Root version: always kNotOrderable.
+  /// Root version: always kNotOrderable.
   virtual KrRx::Ordering comparedTo(const KrRxObject* other) const;
 
  protected:
-  // The class-based protocol lookup: one index into the class's table.
+  /// The class-based protocol lookup: one index into the class's table.
   virtual KrRxObject* subQueryX(const KrRxClass* protocolClass) const;
 
  public:
-  // True when this object's class is cls or derives from it; false for null.
+  /// True when this object's class is cls or derives from it; false for null.
   bool isKindOf(const KrRxClass* cls) const;
-  // The protocol object for this object's class; reports a fatal error when none.
+  /// The protocol object for this object's class; reports a fatal error when none.
   KrRxObject* x(const KrRxClass* protocolClass) const;
-  // The protocol object for this object's class (through any active overrule), or null.
+  /// The protocol object for this object's class (through any active overrule), or null.
   inline KrRxObject* queryX(const KrRxClass* protocolClass) const;
 
+  /// The descriptor of this class; cast gives obj when it is a kind of this class, else null.
+  ///@{
   static KrRxClass* desc();
   static KrRxObject* cast(KrRxObject* obj) { return obj; }
   static const KrRxObject* cast(const KrRxObject* obj) { return obj; }
+  ///@}
 
   friend class KrRxQueryXOverrule;
 
  private:
-  // queryX while overruling is on: the first applicable query overrule, else the plain lookup.
+  /// queryX while overruling is on: the first applicable query overrule, else the plain lookup.
   KrRxObject* overruledQueryX(const KrRxClass* protocolClass) const;
 };
 
-// The descriptor of the class of that name in the class dictionary, or null.
+/// The descriptor of the class of that name in the class dictionary, or null.
 KR1ST_API KrRxClass* krrxFindKrRxClass(const wchar_t* name);
 
-// queryX reads the overrule switch inline, so its definition comes with the overrules.
+/// queryX reads the overrule switch inline, so its definition comes with the overrules.
 #include "krrxoverrule.h"

@@ -28,30 +28,32 @@ Verdict check(const std::wstring& module) {
 }
 
 // The check's row in the module's JSON entry.
-const KrJson& row(const Verdict& verdict, const char* check) { return verdict.module["checks"].rowWith("check", check); }
+KrJson row(const Verdict& verdict, const char* check) { return krRowWith(verdict.module.value("checks", KrJson()), "check", check); }
 
 // The module fails exactly the one check, with detail starting with words.
 void expectOnlyFailure(const Verdict& verdict, const char* check, const std::string& words) {
   EXPECT_EQ(verdict.exitCode, 1);
-  EXPECT_FALSE(verdict.module["loads"].truth());
-  for (const KrJson& each : verdict.module["checks"].items())
-    EXPECT_EQ(each["status"].text(), each["check"].text() == check ? "FAIL" : "ok") << each["check"].text();
-  EXPECT_THAT(row(verdict, check)["detail"].text(), StartsWith(words));
-  EXPECT_FALSE(row(verdict, check)["fix"].text().empty());
+  EXPECT_EQ(verdict.module.value("loads", true), false);
+  for (const KrJson& each : verdict.module.value("checks", KrJson::array()))
+    EXPECT_EQ(each.value("status", ""), each.value("check", "") == check ? "FAIL" : "ok") << each;
+  EXPECT_THAT(row(verdict, check)["detail"].get<std::string>(), StartsWith(words));
+  EXPECT_NE(row(verdict, check)["fix"], "");
   EXPECT_THAT(verdict.text, HasSubstr(words));
   EXPECT_THAT(verdict.text, HasSubstr("fix: "));
-  EXPECT_THAT(verdict.module["reason"].text(), StartsWith(std::string(check) + ": " + words));
+  EXPECT_THAT(verdict.module.value("reason", ""), StartsWith(std::string(check) + ": " + words));
 }
 
 TEST(HostCheckTest, GoodModulePassesEveryCheck) {
   Verdict verdict = check(L"good.krx");
   EXPECT_EQ(verdict.exitCode, 0) << verdict.text;
-  EXPECT_TRUE(verdict.module["loads"].truth());
+  EXPECT_EQ(verdict.module["loads"], true);
   for (const char* name : {"name", "file", "exports", "API version", "signature", "imports", "runtime", "loads first"})
-    EXPECT_EQ(row(verdict, name)["status"].text(), "ok") << name;
-  EXPECT_THAT(row(verdict, "API version")["detail"].text(), StartsWith("20.5"));
-  EXPECT_THAT(row(verdict, "imports")["detail"].text(), HasSubstr("kr1st20.dll"));
-  EXPECT_THAT(verdict.text, HasSubstr("Would load: yes"));
+    EXPECT_EQ(row(verdict, name)["status"], "ok") << name;
+  EXPECT_THAT(row(verdict, "API version")["detail"].get<std::string>(), StartsWith("20.5"));
+  EXPECT_THAT(row(verdict, "imports")["detail"].get<std::string>(), HasSubstr("kr1st20.dll"));
+  EXPECT_EQ(verdict.module["version"], "3.1.4") << "read from the file's version resource";
+  EXPECT_EQ(verdict.module["description"], "Versioned probe module");
+  EXPECT_THAT(verdict.text, HasSubstr("\nVersion:     3.1.4\nDescription: Versioned probe module\nWould load:  yes\n"));
 }
 
 TEST(HostCheckTest, SignatureVerdicts) {
@@ -81,17 +83,17 @@ TEST(HostCheckTest, ImportVerdicts) {
 TEST(HostCheckTest, ExtensionModulesItImportsLoadFirst) {
   Verdict verdict = check(L"user.krx");
   EXPECT_EQ(verdict.exitCode, 0) << verdict.text;
-  EXPECT_EQ(row(verdict, "loads first")["detail"].text(), "dependency.krx");
+  EXPECT_EQ(row(verdict, "loads first")["detail"], "dependency.krx");
 }
 
 TEST(HostCheckTest, NamesThatResolveToNothing) {
   Verdict nothing = check(L"nosuchmodule");
   EXPECT_EQ(nothing.exitCode, 1);
-  EXPECT_THAT(row(nothing, "name")["detail"].text(), StartsWith("no file \"nosuchmodule.dll\"; looked in "));
+  EXPECT_THAT(row(nothing, "name")["detail"].get<std::string>(), StartsWith("no file \"nosuchmodule.dll\"; looked in "));
   EXPECT_EQ(nothing.module["checks"].size(), 1u) << "nothing more to check";
 
   Verdict noExtension = check(L"good");
-  EXPECT_THAT(row(noExtension, "name")["fix"].text(), HasSubstr("good.krx"));
+  EXPECT_THAT(row(noExtension, "name")["fix"].get<std::string>(), HasSubstr("good.krx"));
 }
 
 }  // namespace

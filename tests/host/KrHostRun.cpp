@@ -20,6 +20,13 @@ KrHostForms krRunHostForms(const std::wstring& command, const std::wstring& argu
   KrHostRun json = krRunHost(command + L" --json " + arguments, folder);
   EXPECT_EQ(text.exitCode, json.exitCode) << text.out;
   KrHostForms forms{text.exitCode, text.out, json.json()};
-  EXPECT_EQ(forms.doc.kind(), KrJson::kObject) << json.out;
+  EXPECT_TRUE(forms.doc.is_object()) << json.out;
   return forms;
+}
+
+KrJson krRowWith(const KrJson& rows, const char* key, const std::string& value) {
+  if (rows.is_array())
+    for (const KrJson& row : rows)
+      if (row.is_object() && row.value(key, KrJson()) == value) return row;
+  return nullptr;
 }

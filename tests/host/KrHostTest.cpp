@@ -39,6 +39,7 @@ TEST(HostCommandTest, HelpListsEveryCommandAndUsageErrorsFail) {
   EXPECT_EQ(krRunHost(L"describe").exitCode, 1);
   EXPECT_EQ(krRunHost(L"tree --with").exitCode, 1);
   EXPECT_EQ(krRunHost(L"demo --json").exitCode, 1);
+  EXPECT_THAT(krRunHost(L"--version").out, ::testing::MatchesRegex("krhost \\d+\\.\\d+\\.\\d+\n"));
 }
 
 TEST(HostCommandTest, TreeShowsModuleClassesWithTheirProtocolExtensions) {
@@ -46,50 +47,52 @@ TEST(HostCommandTest, TreeShowsModuleClassesWithTheirProtocolExtensions) {
   ASSERT_EQ(tree.exitCode, 0);
   EXPECT_THAT(tree.text, HasSubstr("\n    KrSampleShape "));
   EXPECT_THAT(tree.text, HasSubstr("\n      KrSampleCircle "));
-  EXPECT_TRUE(tree.doc["with"][0]["loaded"].truth());
-  const KrJson& circle = tree.doc["classes"].rowWith("name", "KrSampleCircle");
-  EXPECT_EQ(circle["parent"].text(), "KrSampleShape");
-  EXPECT_EQ(circle["depth"].number(), 2);
-  EXPECT_THAT(circle["extensions"].texts(), Contains("KrSampleDescriber: KrSampleShapeDescriber"));
-  EXPECT_EQ(tree.doc["classes"].rowWith("name", "KrRxObject")["parent"].kind(), KrJson::kNull);
+  EXPECT_EQ(tree.doc["with"][0]["loaded"], true);
+  KrJson circle = krRowWith(tree.doc["classes"], "name", "KrSampleCircle");
+  EXPECT_EQ(circle["parent"], "KrSampleShape");
+  EXPECT_EQ(circle["depth"], 2);
+  EXPECT_THAT(circle["extensions"], Contains("KrSampleDescriber: KrSampleShapeDescriber"));
+  KrJson root = krRowWith(tree.doc["classes"], "name", "KrRxObject");
+  ASSERT_TRUE(root.is_object());
+  EXPECT_TRUE(root["parent"].is_null());
 }
 
 TEST(HostCommandTest, ServicesNameTheirOwnerModule) {
   KrHostRun run = krRunHost(L"services --json --with greeter.kra --with shapes.krx", samplesFolder());
   ASSERT_EQ(run.exitCode, 0);
   KrJson doc = run.json();
-  EXPECT_EQ(doc["services"].rowWith("name", "SampleGreeterService")["owner"].text(), "greeter.kra");
-  EXPECT_EQ(doc["services"].rowWith("name", "SampleShapeService")["owner"].text(), "shapes.krx");
-  EXPECT_EQ(doc["services"].rowWith("name", "KernelServices")["owner"].text(), "runtime");
-  EXPECT_FALSE(doc["services"].rowWith("name", "KernelServices")["hasDependants"].truth());
+  EXPECT_EQ(krRowWith(doc["services"], "name", "SampleGreeterService")["owner"], "greeter.kra");
+  EXPECT_EQ(krRowWith(doc["services"], "name", "SampleShapeService")["owner"], "shapes.krx");
+  EXPECT_EQ(krRowWith(doc["services"], "name", "KernelServices")["owner"], "runtime");
+  EXPECT_EQ(krRowWith(doc["services"], "name", "KernelServices")["hasDependants"], false);
 
   KrHostRun without = krRunHost(L"services --json", samplesFolder());
-  EXPECT_EQ(without.json()["services"].rowWith("name", "SampleShapeService").kind(), KrJson::kInvalid);
+  EXPECT_TRUE(krRowWith(without.json()["services"], "name", "SampleShapeService").is_null());
 }
 
 TEST(HostCommandTest, RegistryListsTheSystemEntries) {
   KrHostRun run = krRunHost(L"registry --json");
   ASSERT_EQ(run.exitCode, 0);
   KrJson doc = run.json();
-  EXPECT_EQ(doc["registry"].rowWith("key", "DynamicLinker")["class"].text(), "KrRxImpDynamicLinker");
-  EXPECT_EQ(doc["registry"].rowWith("key", "ClassDictionary")["class"].text(), "KrRxImpDictionary");
+  EXPECT_EQ(krRowWith(doc["registry"], "key", "DynamicLinker")["class"], "KrRxImpDynamicLinker");
+  EXPECT_EQ(krRowWith(doc["registry"], "key", "ClassDictionary")["class"], "KrRxImpDictionary");
 }
 
 TEST(HostCommandTest, DescribeTellsExtensionsAndPropertiesOwnAndInherited) {
   KrHostForms circle = krRunHostForms(L"describe", L"KrSampleCircle --with shapes.krx", samplesFolder());
   ASSERT_EQ(circle.exitCode, 0) << circle.text;
-  EXPECT_EQ(circle.doc["parent"].text(), "KrSampleShape");
-  EXPECT_THAT(circle.doc["ancestors"].texts(), ElementsAre("KrSampleShape", "KrRxObject"));
-  EXPECT_EQ(circle.doc["extensions"].rowWith("protocol", "KrSampleDescriber")["from"].text(),
+  EXPECT_EQ(circle.doc["parent"], "KrSampleShape");
+  EXPECT_THAT(circle.doc["ancestors"], ElementsAre("KrSampleShape", "KrRxObject"));
+  EXPECT_EQ(krRowWith(circle.doc["extensions"], "protocol", "KrSampleDescriber")["from"],
             "inherited from KrSampleShape");
-  const KrJson& symbols = circle.doc["symbols"];
-  ASSERT_EQ(symbols.items().size(), 2u) << circle.text;
+  KrJson& symbols = circle.doc["symbols"];
+  ASSERT_EQ(symbols.size(), 2u) << circle.text;
   const char* names[] = {"width", "height"};
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(symbols[i]["name"].text(), names[i]);
-    EXPECT_EQ(symbols[i]["class"].text(), "KrSampleShape") << "inherited from the shape class";
-    EXPECT_EQ(symbols[i]["kind"].text(), "property");
-    EXPECT_EQ(symbols[i]["valueClass"].text(), "KrVtFloat64");
+  for (size_t i = 0; i < 2; ++i) {
+    EXPECT_EQ(symbols[i]["name"], names[i]);
+    EXPECT_EQ(symbols[i]["class"], "KrSampleShape") << "inherited from the shape class";
+    EXPECT_EQ(symbols[i]["kind"], "property");
+    EXPECT_EQ(symbols[i]["valueClass"], "KrVtFloat64");
   }
 
   KrHostRun shape = krRunHost(L"describe KrSampleShape --with shapes.krx", samplesFolder());
@@ -101,7 +104,7 @@ TEST(HostCommandTest, DescribeTellsExtensionsAndPropertiesOwnAndInherited) {
 
   KrHostRun wrongCase = krRunHost(L"describe krsamplecircle --json --with shapes.krx", samplesFolder());
   EXPECT_EQ(wrongCase.exitCode, 1);
-  EXPECT_THAT(wrongCase.json()["similar"].texts(), ElementsAre("KrSampleCircle"));
+  EXPECT_THAT(wrongCase.json()["similar"], ElementsAre("KrSampleCircle"));
 }
 
 // Format writes back what it read, or fails with the reason and writes nothing.
@@ -123,12 +126,12 @@ TEST(HostCommandTest, FormatWritesBackWhatItReadOrTellsWhyNot) {
     KrHostRun host = krRunHost(std::wstring(L"format --json ") + run.arguments, samplesFolder());
     EXPECT_EQ(host.exitCode, run.text ? 0 : 1) << host.out;
     KrJson doc = host.json();
-    EXPECT_EQ(doc["ok"].truth(), run.text != nullptr) << host.out;
+    EXPECT_EQ(doc["ok"], run.text != nullptr) << host.out;
     if (run.text) {
-      EXPECT_EQ(doc["text"].text(), run.text) << host.out;
+      EXPECT_EQ(doc["text"], run.text) << host.out;
     } else {
-      EXPECT_THAT(doc["problem"].text(), HasSubstr(run.problem)) << host.out;
-      EXPECT_EQ(doc["text"].kind(), KrJson::kInvalid) << "nothing written";
+      EXPECT_THAT(doc.value("problem", ""), HasSubstr(run.problem)) << host.out;
+      EXPECT_FALSE(doc.contains("text")) << "nothing written";
     }
   }
   EXPECT_THAT(krRunHost(L"format KrVtDate 2023/05/17").out, HasSubstr("\nText:  2023-05-17\n"));
@@ -139,17 +142,19 @@ TEST(HostCommandTest, FormatWritesBackWhatItReadOrTellsWhyNot) {
 TEST(HostCommandTest, LoadTellsWhatEachModuleAddedAndUnloadsInReverse) {
   KrHostForms load = krRunHostForms(L"load", L"shapes.krx greeter.kra", samplesFolder());
   ASSERT_EQ(load.exitCode, 0) << load.text;
-  const KrJson& shapes = load.doc["modules"][0];
-  EXPECT_TRUE(shapes["loaded"].truth());
-  EXPECT_THAT(shapes["classes"].texts(),
+  KrJson& shapes = load.doc["modules"][0];
+  EXPECT_EQ(shapes["loaded"], true);
+  EXPECT_EQ(shapes["version"], "1.2.0") << "read through the module handle";
+  EXPECT_EQ(shapes["description"], "Kestrune sample: shapes with an overrule, a reactor and properties");
+  EXPECT_THAT(shapes["classes"],
               ElementsAre("KrSampleCircle", "KrSampleDescriber", "KrSampleLargeShapeDescriber",
                           "KrSampleLargeShapeOverrule", "KrSampleShape", "KrSampleShapeDescriber",
                           "KrSampleShapeReactor", "KrSampleSquare"));
-  EXPECT_THAT(shapes["services"].texts(), ElementsAre("SampleShapeService"));
-  const KrJson& greeter = load.doc["modules"][1];
-  EXPECT_THAT(greeter["appData"].texts(), ElementsAre("Motto (KrRxTextString)"));
-  EXPECT_THAT(greeter["unloadMessages"].texts(), ElementsAre("'greeter.kra' succefuly unloaded."));
-  EXPECT_TRUE(load.doc["ok"].truth());
+  EXPECT_THAT(shapes["services"], ElementsAre("SampleShapeService"));
+  KrJson& greeter = load.doc["modules"][1];
+  EXPECT_THAT(greeter["appData"], ElementsAre("Motto (KrRxTextString)"));
+  EXPECT_THAT(greeter["unloadMessages"], ElementsAre("'greeter.kra' succefuly unloaded."));
+  EXPECT_EQ(load.doc["ok"], true);
   EXPECT_THAT(load.text, HasSubstr("Services added:   SampleShapeService\n"));
 }
 
@@ -164,13 +169,13 @@ TEST(HostCommandTest, LoadAndCheckFailWhenOneModuleFails) {
     KrHostRun host = krRunHost(kRuns[i].arguments);
     EXPECT_EQ(host.exitCode, 1) << kRuns[i].arguments;
     docs[i] = host.json();
-    EXPECT_TRUE(docs[i]["modules"][0][kRuns[i].verdict].truth()) << kRuns[i].arguments;
-    EXPECT_FALSE(docs[i]["modules"][1][kRuns[i].verdict].truth()) << kRuns[i].arguments;
-    EXPECT_FALSE(docs[i]["ok"].truth()) << kRuns[i].arguments;
+    EXPECT_EQ(docs[i]["modules"][0][kRuns[i].verdict], true) << kRuns[i].arguments;
+    EXPECT_EQ(docs[i]["modules"][1][kRuns[i].verdict], false) << kRuns[i].arguments;
+    EXPECT_EQ(docs[i]["ok"], false) << kRuns[i].arguments;
   }
-  const KrJson& faultver = docs[0]["modules"][1];
-  EXPECT_THAT(faultver["messages"].texts(), Contains(HasSubstr("krrxGetApiVersion faulted in faultver.krx")));
-  EXPECT_THAT(faultver["messages"].texts(), Contains("Failed to load 'faultver.krx'"));
+  auto messages = docs[0]["modules"][1]["messages"].get<std::vector<std::string>>();
+  EXPECT_THAT(messages, Contains(HasSubstr("krrxGetApiVersion faulted in faultver.krx")));
+  EXPECT_THAT(messages, Contains("Failed to load 'faultver.krx'"));
 }
 
 // An application registered below a product key of the test's own.
@@ -196,20 +201,75 @@ TEST_F(HostAppsTest, AppsShowLoaderReasonsTriggersAndProductCode) {
   KrHostRun run = krRunHost(std::wstring(L"apps --json --product-key ") + kProductKey);
   ASSERT_EQ(run.exitCode, 0);
   KrJson doc = run.json();
-  EXPECT_EQ(doc["productKey"].text(), "Software\\Kestrune\\KrhostTest");
-  const KrJson& app = doc["apps"].rowWith("name", "KrhostTestApp");
-  EXPECT_EQ(app["loader"].text(), "good.krx");
-  EXPECT_EQ(app["loadCtrls"].text(), "0xC");
-  EXPECT_THAT(app["loadReasons"].texts(), ElementsAre("by name or trigger (0x8)", "host reason 0x4"));
-  EXPECT_THAT(app["triggers"].texts(), ElementsAre("KrhostTrigger"));
-  EXPECT_EQ(app["productCode"].text(), "KR-42");
-  EXPECT_EQ(app["description"].text(), "An application of the krhost test");
-  EXPECT_FALSE(app["loaded"].truth());
+  EXPECT_EQ(doc["productKey"], "Software\\Kestrune\\KrhostTest");
+  KrJson app = krRowWith(doc["apps"], "name", "KrhostTestApp");
+  EXPECT_EQ(app["loader"], "good.krx");
+  EXPECT_EQ(app["loadCtrls"], "0xC");
+  EXPECT_THAT(app["loadReasons"], ElementsAre("by name or trigger (0x8)", "host reason 0x4"));
+  EXPECT_THAT(app["triggers"], ElementsAre("KrhostTrigger"));
+  EXPECT_EQ(app["productCode"], "KR-42");
+  EXPECT_EQ(app["description"], "An application of the krhost test");
+  EXPECT_EQ(app["loaded"], false);
 
   KrHostRun text = krRunHost(std::wstring(L"apps --product-key ") + kProductKey);
   EXPECT_THAT(text.out, HasSubstr("KrhostTestApp"));
-  EXPECT_EQ(krRunHost(L"apps --json").json()["apps"].rowWith("name", "KrhostTestApp").kind(), KrJson::kInvalid)
+  EXPECT_TRUE(krRowWith(krRunHost(L"apps --json").json()["apps"], "name", "KrhostTestApp").is_null())
       << "without the product key the application is not found";
+}
+
+// The member paths of a document, in the order they first appear: "modules[].checks[].check".
+void collectPaths(const nlohmann::ordered_json& value, const std::string& path, std::string& paths) {
+  if (value.is_array()) {
+    for (const auto& item : value) collectPaths(item, path + "[]", paths);
+    return;
+  }
+  if (!value.is_object()) return;
+  for (const auto& member : value.items()) {
+    std::string memberPath = path.empty() ? member.key() : path + "." + member.key();
+    if ((" " + paths + " ").find(" " + memberPath + " ") == std::string::npos)
+      paths += (paths.empty() ? "" : " ") + memberPath;
+    collectPaths(member.value(), memberPath, paths);
+  }
+}
+
+// Every command's JSON document keeps its members, in order: scripts read them.
+TEST_F(HostAppsTest, EveryJsonDocumentKeepsItsMembersInOrder) {
+  const struct {
+    std::wstring arguments;
+    const char* paths;
+  } kDocuments[] = {
+      {L"tree --with shapes.krx",
+       "with with[].module with[].loaded with[].messages classes classes[].name classes[].parent classes[].depth "
+       "classes[].extensions"},
+      {L"services", "services services[].name services[].class services[].owner services[].hasDependants"},
+      {L"registry", "registry registry[].key registry[].class"},
+      {L"describe KrSampleCircle --with shapes.krx",
+       "with with[].module with[].loaded with[].messages class parent ancestors children appName dxfName version "
+       "proxyFlags extensions extensions[].protocol extensions[].extension extensions[].from symbols symbols[].class "
+       "symbols[].name symbols[].displayName symbols[].kind symbols[].valueClass"},
+      {L"describe krsamplecircle --with shapes.krx",
+       "with with[].module with[].loaded with[].messages class found similar hint"},
+      {L"format KrVtDate 2023/05/17", "class input ok text"},
+      {L"format KrVtDate tomorrow", "class input ok problem"},
+      {L"load shapes.krx nosuch.krx",
+       "modules modules[].module modules[].loaded modules[].messages modules[].version modules[].description "
+       "modules[].classes modules[].services modules[].appData modules[].dependencies modules[].unloaded "
+       "modules[].unloadMessages ok"},
+      {L"check shapes.krx nosuchmodule",
+       "modules modules[].module modules[].checks modules[].checks[].check modules[].checks[].status "
+       "modules[].checks[].detail modules[].checks[].fix modules[].path modules[].version modules[].description "
+       "modules[].loads modules[].reason ok"},
+      {std::wstring(L"apps --product-key ") + kProductKey,
+       "productKey settableKey apps apps[].name apps[].loader apps[].loadCtrls apps[].loadReasons apps[].triggers "
+       "apps[].productCode apps[].description apps[].loaded"},
+  };
+  for (const auto& document : kDocuments) {
+    std::wstring command = document.arguments.substr(0, document.arguments.find(L' '));
+    KrHostRun run = krRunHost(command + L" --json" + document.arguments.substr(command.size()), samplesFolder());
+    std::string paths;
+    collectPaths(nlohmann::ordered_json::parse(run.out, nullptr, false), "", paths);
+    EXPECT_EQ(paths, document.paths) << run.out;
+  }
 }
 
 TEST(HostDemoTest, DemoLoadsGreetsAndUnloadsTheSamples) {

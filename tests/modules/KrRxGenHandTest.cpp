@@ -6,10 +6,14 @@
 
 #include <windows.h>
 
+#include <cwchar>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "KrAbortTrap.h"
 #include "KrRxModuleTestSupport.h"
+#include "KrTestFiles.h"
 #include "runtime/KrRxImpClass.h"
 
 namespace {
@@ -99,20 +103,66 @@ TEST(KrRxGenHandTest, ApplicationDataNeedsACurrentModule) {
   EXPECT_EQ(module.dictionary()->at(L"key"), nullptr);
 }
 
-TEST(KrRxGenHandTest, TheVersionResourceComesWithTheModuleHandle) {
-  KrRxGenHand module;
-  module.setVal(GetModuleHandleW(L"kr1st20.dll"));
-  ASSERT_NE(module.versionInfo(), nullptr);
-  wchar_t* version = nullptr;
+// One text of a version resource block, "" when absent. Blocks are built
+// with a single US English, UTF-16 table.
+std::wstring versionText(const void* block, const wchar_t* name) {
+  wchar_t* text = nullptr;
   UINT length = 0;
-  ASSERT_TRUE(VerQueryValueW(module.versionInfo(), L"\\StringFileInfo\\040904b0\\FileVersion",
-                             reinterpret_cast<void**>(&version), &length));
-  EXPECT_STREQ(version, L"20.5.0.0");
-  EXPECT_EQ(module.entryPoint(), nullptr) << "the runtime is no module";
-  void* block = module.versionInfo();
-  module.setVal(nullptr);
-  EXPECT_EQ(module.versionInfo(), block) << "kept when the handle goes";
-  EXPECT_EQ(module.getVal(), nullptr);
+  std::wstring path = std::wstring(L"\\StringFileInfo\\040904b0\\") + name;
+  if (!VerQueryValueW(block, path.c_str(), reinterpret_cast<void**>(&text), &length)) return L"";
+  return std::wstring(text, wcsnlen(text, length));
+}
+
+// The texts a module's version resource gives Windows' file properties.
+std::vector<std::wstring> versionTexts(const void* block) {
+  std::vector<std::wstring> texts;
+  for (const wchar_t* name : {L"FileVersion", L"ProductVersion", L"FileDescription", L"CompanyName",
+                              L"LegalCopyright", L"OriginalFilename"})
+    texts.push_back(versionText(block, name));
+  return texts;
+}
+
+// The runtime's resource comes from the build's version; a module's from
+// kestrune_add_module(), which gives 0.0.0 and the target name by default.
+// The handle's block and the file's read with GetFileVersionInfoW agree.
+TEST(KrRxGenHandTest, TheVersionResourceComesWithTheModuleHandle) {
+  const struct {
+    const wchar_t* file;
+    std::vector<std::wstring> texts;
+    DWORD fixedVersionHigh, fixedVersionLow;
+  } kModules[] = {
+      {L"kr1st20.dll",
+       {KESTRUNE_VERSION, KESTRUNE_VERSION, L"Kestrune runtime object model", L"Kestrune", L"", L"kr1st20.dll"},
+       MAKELONG(KESTRUNE_VERSION_MINOR, KESTRUNE_VERSION_MAJOR), MAKELONG(0, KESTRUNE_VERSION_PATCH)},
+      {L"good.krx",
+       {L"3.1.4", L"3.1.4", L"Versioned probe module", L"Kestrune tests", L"\u00A9 \"Kestrune\" tests \\ 2026", L"good.krx"},
+       MAKELONG(1, 3), MAKELONG(0, 4)},
+      {L"user.krx", {L"0.0.0", L"0.0.0", L"tm_user", L"", L"", L"user.krx"}, 0, 0},
+  };
+  for (const auto& expected : kModules) {
+    HMODULE loaded = LoadLibraryW(expected.file);
+    ASSERT_NE(loaded, nullptr) << expected.file;
+    KrRxGenHand module;
+    module.setVal(loaded);
+    ASSERT_NE(module.versionInfo(), nullptr) << expected.file;
+    EXPECT_EQ(versionTexts(module.versionInfo()), expected.texts) << expected.file;
+    VS_FIXEDFILEINFO* fixed = nullptr;
+    UINT length = 0;
+    ASSERT_TRUE(VerQueryValueW(module.versionInfo(), L"\\", reinterpret_cast<void**>(&fixed), &length));
+    EXPECT_EQ(fixed->dwFileVersionMS, expected.fixedVersionHigh) << expected.file;
+    EXPECT_EQ(fixed->dwFileVersionLS, expected.fixedVersionLow) << expected.file;
+
+    std::wstring path = krTestBinDirectory() + expected.file;
+    std::vector<char> file(GetFileVersionInfoSizeW(path.c_str(), nullptr));
+    ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, DWORD(file.size()), file.data())) << expected.file;
+    EXPECT_EQ(versionTexts(file.data()), expected.texts) << expected.file;
+
+    void* block = module.versionInfo();
+    module.setVal(nullptr);
+    EXPECT_EQ(module.versionInfo(), block) << "kept when the handle goes";
+    EXPECT_EQ(module.getVal(), nullptr);
+    FreeLibrary(loaded);
+  }
 }
 
 void appNameOfCallback(const KrRxClass*, wchar_t*& name, int) { name = const_cast<wchar_t*>(L"Called Back"); }
