@@ -3,6 +3,8 @@
 
 #include "krrxoverrule.h"
 
+#include <memory>
+
 #include "krrxclass.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxGrowArray.h"
@@ -57,8 +59,9 @@ Kesu::ErrorStatus KrRxOverruleInternals::addOverrule(KrRxClass* cls, KrRxOverrul
   if (!cls || !overrule) return Kesu::eInvalidInput;
   KrRxOverruleInternals* list = ownListOf(cls);
   if (!list) {
-    list = new KrRxOverruleInternals();
-    cls->addX(desc(), list);
+    std::unique_ptr<KrRxOverruleInternals> made(new KrRxOverruleInternals());
+    cls->addX(desc(), made.get());
+    list = made.release();
   }
   return list->addOverrule(overrule, addAtLast);
 }

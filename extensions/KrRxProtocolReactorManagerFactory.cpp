@@ -2,6 +2,8 @@
 
 #include "extensions/KrRxProtocolReactorManagerFactory.h"
 
+#include <new>
+
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxImpClass.h"
 
@@ -24,7 +26,7 @@ KrRxProtocolReactorList* KrRxImpProtocolReactorManager::createReactorList(KrRxCl
   auto* list = new KrRxImpProtocolReactorList(reactorClass);
   if (mLists.append(list)) return list;
   delete list;
-  return nullptr;
+  throw std::bad_alloc();
 }
 
 KrRxProtocolReactorListIterator* KrRxImpProtocolReactorManager::newIterator() const {

@@ -67,7 +67,7 @@ std::vector<std::wstring> loadReasonsOf(unsigned int flags) {
 // order: the names that krrxIsAppTriggeredBy answers true for.
 std::vector<std::wstring> triggersOf(const wchar_t* appName) {
   std::vector<std::wstring> triggers;
-  KrString subKey = krrxApplicationSubKey(appName) + L"\\Triggers";
+  KrString subKey = krrxApplicationSubKey(appName, L"\\Triggers");
   KesuAppKeyList().useFirst(subKey, KEY_QUERY_VALUE, [&triggers](HKEY key) {
     wchar_t name[16384];
     for (DWORD index = 0;; ++index) {

@@ -65,7 +65,8 @@ class KR1ST_API KrRxProtocolReactorManager : public KrRxObject {
   KRRX_DECLARE_MEMBERS(KrRxProtocolReactorManager);
 
  public:
-  /// The list for exactly reactorClass (no derivation), made on first request; null for null.
+  /// The list for exactly reactorClass (no derivation), made on first request;
+  /// null for null. Throws std::bad_alloc when the list cannot be kept.
   virtual KrRxProtocolReactorList* createReactorList(KrRxClass* reactorClass) = 0;
   /// A new iterator over the lists; the caller deletes it.
   virtual KrRxProtocolReactorListIterator* newIterator() const = 0;

@@ -46,7 +46,7 @@ HKEY createKey(const KrString& path, bool currentUserOnly, KesuApp::ErrorStatus&
 // empty when the host supplies no product key.
 KrString applicationKey(bool useSettableKey, const wchar_t* appName) {
   const wchar_t* productKey = useSettableKey ? krrxKestruneRegistryKey() : krrxProductKey();
-  return productKey ? KrString(productKey) + krrxApplicationSubKey(appName) : KrString();
+  return productKey ? krrxKeyPath({productKey, krrxApplicationSubKey(appName).kwszPtr()}) : KrString();
 }
 
 // Writes text as REG_SZ with its terminator; an empty text deletes the value.

@@ -2,6 +2,9 @@
 
 #include "modules/KesuAppKeyList.h"
 
+#include <cwchar>
+#include <new>
+
 #include "kesuappregistry.h"
 
 namespace {
@@ -29,7 +32,7 @@ KesuAppKeyList::KesuAppKeyList() {
 
 bool KesuAppKeyList::search(const wchar_t* subKey, REGSAM access, const std::function<bool(HKEY)>& use) const {
   for (const KrString& productKey : mProductKeys) {
-    KrString path = productKey + subKey;
+    KrString path = krrxKeyPath({productKey.kwszPtr(), subKey});
     for (HKEY hive : kHives) {
       HKEY key;
       if (RegOpenKeyExW(hive, path, 0, access, &key) != ERROR_SUCCESS) continue;
@@ -48,7 +51,21 @@ bool KesuAppKeyList::useFirst(const wchar_t* subKey, REGSAM access, const std::f
   });
 }
 
-KrString krrxApplicationSubKey(const wchar_t* appName) { return KrString(L"\\Applications\\") + appName; }
+KrString krrxKeyPath(std::initializer_list<const wchar_t*> parts) {
+  KrString path;
+  size_t length = 0;
+  for (const wchar_t* part : parts) {
+    if (!part) continue;
+    path += part;
+    length += wcslen(part);
+  }
+  if (size_t(path.lengthW()) != length) throw std::bad_alloc();
+  return path;
+}
+
+KrString krrxApplicationSubKey(const wchar_t* appName, const wchar_t* tail) {
+  return krrxKeyPath({L"\\Applications\\", appName, tail});
+}
 
 bool krrxQueryRegText(HKEY key, const wchar_t* name, KrString& text) {
   DWORD type = REG_NONE;

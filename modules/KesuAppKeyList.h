@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <initializer_list>
 #include <vector>
 
 #include "krstring.h"
@@ -29,8 +30,14 @@ class KesuAppKeyList {
   std::vector<KrString> mProductKeys;
 };
 
-// "\Applications\" followed by appName: an application key below a product key.
-KrString krrxApplicationSubKey(const wchar_t* appName);
+// The parts (null ones count as empty) joined into one registry path.
+// Throws std::bad_alloc when memory is short, so that no registry call is
+// ever made on a part of a path.
+KrString krrxKeyPath(std::initializer_list<const wchar_t*> parts);
+
+// "\Applications\" followed by appName and tail: an application key (or
+// one below it) below a product key. Throws as krrxKeyPath does.
+KrString krrxApplicationSubKey(const wchar_t* appName, const wchar_t* tail = L"");
 
 // Reads the REG_SZ value name of key into text; false (text untouched) when
 // the value is missing or of another type.

@@ -52,7 +52,7 @@ const wchar_t* KesuAppRegistry::keyName(int index) const {
 bool krrxIsAppTriggeredBy(const wchar_t* appName, const wchar_t* triggerName) {
   if (isEmpty(appName) || !triggerName) return false;
   bool triggered = false;
-  KesuAppKeyList().useFirst(krrxApplicationSubKey(appName) + L"\\Triggers", KEY_QUERY_VALUE, [&](HKEY key) {
+  KesuAppKeyList().useFirst(krrxApplicationSubKey(appName, L"\\Triggers"), KEY_QUERY_VALUE, [&](HKEY key) {
     triggered = RegQueryValueExW(key, triggerName, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
   });
   return triggered;

@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -21,6 +22,8 @@
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxGrowArray.h"
 #include "runtime/KrRxImpClass.h"
+#include "runtime/KrRxImpDictionary.h"
+#include "runtime/KrRxImpDictionaryIterator.h"
 #include "system/KrRxServiceDictionary.h"
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxGenHand, KrRxGenVoid)
@@ -112,16 +115,29 @@ bool derivesFromModule(const KrRxClass* cls, const KrRxGenHand* module) {
 KrRxGenHand::KrRxGenHand()
     : mStatusFlags(kLocked),
       mBusy(false),
-      mpAppNames(new KrRxGrowArray<wchar_t*>()),
-      mpAppNameCounts(new KrRxGrowArray<uint32_t>()),
+      mpAppNames(nullptr),
+      mpAppNameCounts(nullptr),
       mLoadReason(KesuApp::LoadReasons(0)),
       mUiRef(false),
       mApiRefs(0),
       mpEntryPoint(nullptr),
-      mpAppData(newAppDataDictionary()),
+      mpAppData(nullptr),
       mpVersionInfo(nullptr),
-      mpDependencies(new KrRxGrowArray<void*>()),
-      mpAppInfo(nullptr) {}
+      mpDependencies(nullptr),
+      mpAppInfo(nullptr) {
+  // When memory runs short part way, what was made goes again.
+  try {
+    mpAppNames = new KrRxGrowArray<wchar_t*>();
+    mpAppNameCounts = new KrRxGrowArray<uint32_t>();
+    mpAppData = newAppDataDictionary();
+    mpDependencies = new KrRxGrowArray<void*>();
+  } catch (const std::bad_alloc&) {
+    delete mpAppNames;
+    delete mpAppNameCounts;
+    delete mpAppData;
+    throw;
+  }
+}
 
 KrRxGenHand::~KrRxGenHand() {
   for (int32_t i = 0; i < mpAppNames->count; ++i) free(mpAppNames->data[i]);
@@ -207,14 +223,15 @@ unsigned short KrRxGenHand::apiRelease() {
 
 bool KrRxGenHand::safeToUnload() const {
   if (mUiRef || mApiRefs) return false;
-  if (!sysClasses) return true;
+  const KrRxImpDictionary* classes = KrRxImpDictionary::cast(sysClasses);
+  if (!classes) return true;
+  // An iterator on the stack: deciding to unload must not need the heap.
   bool inUse = false;
-  KrRxDictionaryIterator* it = sysClasses->newIterator(KrRx::kDictById);
-  for (; !it->done() && !inUse; it->next()) {
-    auto* cls = static_cast<KrRxClass*>(it->object());
+  KrRxImpDictionaryIterator it(classes, KrRx::kDictById);
+  for (; !it.done() && !inUse; it.next()) {
+    auto* cls = static_cast<KrRxClass*>(it.object());
     inUse = cls->impObj()->mpModule != this && derivesFromModule(cls, this);
   }
-  delete it;
   return !inUse;
 }
 
@@ -226,7 +243,11 @@ bool KrRxGenHand::loadDependencies(KrRxDynamicLinker* linker, bool printMessages
   for (int32_t i = 0; i < found.count && loaded; ++i) {
     wchar_t path[kPathCapacity];
     loaded = modulePath(found.data[i], path) && linker->loadModule(path, printMessages, false);
-    if (loaded) mpDependencies->append(found.data[i]);
+    // A dependency that cannot be recorded could never be unloaded: it goes again.
+    if (loaded && !mpDependencies->append(found.data[i])) {
+      linker->unloadModule(path, false);
+      loaded = false;
+    }
   }
   found.release();
   return loaded;
@@ -264,8 +285,10 @@ KrRxGenHand* KrRxGenHand::setCurModule(KrRxGenHand* module) {
 bool krrxAddAppData(const wchar_t* key, KrRxObject* data) {
   KrRxGenHand* module = KrRxGenHand::curModule();
   if (!module || !module->dictionary() || !key) return false;
-  module->dictionary()->atPut(key, data);
-  return true;
+  // False too when the key could not be copied: then nothing was added.
+  unsigned int id = 0;
+  module->dictionary()->atPut(key, data, id);
+  return module->dictionary()->has(id);
 }
 
 bool krrxRemoveAppData(const wchar_t* key, KrRxObject*) {

@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -44,26 +46,37 @@ constexpr int kNullFormat = -5003;
 constexpr int kFormatFailed = -5004;
 
 constexpr size_t kReasonBufferSize = 2048;
+constexpr size_t kShortMessageCapacity = 512;
 constexpr DWORD kLongPathCapacity = 32767;
 // A module's file name is one path component: at most 255 characters.
 constexpr size_t kFileNameCapacity = 255;
 
 typedef void (KrRxDLinkerReactor::*Notification)(const wchar_t* moduleName);
 
-// Calls the notification on every reactor of set, in the set's order.
-void notify(const KrRxSet* set, Notification notification, const wchar_t* moduleName) {
-  KrRxIterator* it = set->newIterator(true);
-  for (; !it->done(); it->next()) (static_cast<KrRxDLinkerReactor*>(it->object())->*notification)(moduleName);
-  delete it;
+// Calls the notification on every reactor of set, in the set's order. It
+// allocates nothing, so that the failure paths can always tell the reactors.
+void notify(const KrRxImpSet* set, Notification notification, const wchar_t* moduleName) {
+  set->forEachMember([&](KrRxObject* reactor) {
+    (static_cast<KrRxDLinkerReactor*>(reactor)->*notification)(moduleName);
+    return true;
+  });
 }
 
 // Offers a probed module to the KrRxDLinkerReactor2 members of set until one refuses it.
-void offer(const KrRxSet* set, void* probe) {
-  KrRxIterator* it = set->newIterator(true);
-  for (; !it->done() && !KrRxImpDynamicLinker::mLoadModuleFailReason; it->next())
-    if (auto* reactor = KrRxDLinkerReactor2::cast(it->object())) reactor->rxAppCouldBeLoaded(probe);
-  delete it;
+void offer(const KrRxImpSet* set, void* probe) {
+  set->forEachMember([&](KrRxObject* member) {
+    if (auto* reactor = KrRxDLinkerReactor2::cast(member)) reactor->rxAppCouldBeLoaded(probe);
+    return !KrRxImpDynamicLinker::mLoadModuleFailReason;
+  });
 }
+
+// Frees a probe mapping however its inspection ends.
+struct ProbeMapping {
+  HMODULE module;
+  ~ProbeMapping() {
+    if (module) FreeLibrary(module);
+  }
+};
 
 // The system's text for error, through the host's message output.
 void reportSystemError(DWORD error) {
@@ -152,7 +165,7 @@ void setFailReason(const wchar_t* reason) {
 void reportRefusal(const wchar_t* fileName, bool printMessages) {
   wchar_t*& reason = KrRxImpDynamicLinker::mLoadModuleFailReason;
   if (printMessages) {
-    if (*reason)
+    if (reason && *reason)
       KrRxImpDynamicLinker::hostMessage(L"%ls", reason);
     else
       KrRxImpDynamicLinker::hostMessage(L"Runtime Extension '%ls' could not been loaded\n", fileName);
@@ -194,6 +207,19 @@ HMODULE loadInItsDirectory(const std::wstring& path, DWORD& error) {
   return module;
 }
 
+// The table entry of a module about to load, or null when memory is short
+// (then nothing was added).
+KrRxGenHand* addTableEntry(KrRxImpDictionary* table, const wchar_t* key) {
+  try {
+    std::unique_ptr<KrRxGenHand> module(new KrRxGenHand());
+    module->setfileName(key);
+    bool added = wcscmp(module->FileName(), key) == 0 && table->putNew(key, module.get());
+    return added ? module.release() : nullptr;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 HMODULE loadTrustLibrary() {
   HMODULE kernel = GetModuleHandleW(L"KERNEL32.DLL");
   return kernel && GetProcAddress(kernel, "GetLocaleInfoEx") ? LoadLibraryW(L"WINTRUST.DLL") : nullptr;
@@ -220,7 +246,10 @@ KrRxImpDynamicLinker::~KrRxImpDynamicLinker() {
 KrRxObject* KrRxImpDynamicLinker::registerService(const wchar_t* serviceName, KrRxService* service) {
   if (KrRxGenHand* module = KrRxGenHand::curModule()) service->setSysInfo(module);
   KrRxDictionary* services = krrxServiceDictionary();
-  if (services->atPut(serviceName, service)) krrx_abort(L"ERROR: %ls service already registered", serviceName);
+  unsigned int id;
+  if (services->atPut(serviceName, service, id)) krrx_abort(L"ERROR: %ls service already registered", serviceName);
+  // A name that could not be copied leaves the service unregistered.
+  if (!services->has(id)) throw std::bad_alloc();
   return service;
 }
 
@@ -302,27 +331,29 @@ void KrRxImpDynamicLinker::offerToReactors(void* probe) const {
 
 void* KrRxImpDynamicLinker::loadModuleEx(const wchar_t* fileName, bool printMessages, char* reasonBuffer) {
   if (!fileName) return nullptr;
-  HMODULE probe = LoadLibraryExW(fileName, nullptr, DONT_RESOLVE_DLL_REFERENCES);
-  if (!probe) {
+  ProbeMapping probe = {LoadLibraryExW(fileName, nullptr, DONT_RESOLVE_DLL_REFERENCES)};
+  if (!probe.module) {
     if (printMessages) reportSystemError(GetLastError());
     return nullptr;
   }
   std::string unbound;
-  bool bindable = krrxImportsBind(probe, unbound);
-  if (!acceptsEntryProtocol(probe, fileName, printMessages) || !bindable) {
+  bool bindable = krrxImportsBind(probe.module, unbound);
+  if (!acceptsEntryProtocol(probe.module, fileName, printMessages) || !bindable) {
     if (!bindable && printMessages) reportSystemError(ERROR_PROC_NOT_FOUND);
-    FreeLibrary(probe);
     return nullptr;
   }
   if (reasonBuffer) memset(reasonBuffer, 0, kReasonBufferSize);
   // The file verified, offered and then loaded is the one the probe found,
   // by its full path: a relative name would resolve differently once the
   // module's directory is current.
-  std::wstring path = modulePath(probe);
-  if (!mLoadModuleFailReason && signatureRejected(path.c_str())) setFailReason(L"");
-  if (!mLoadModuleFailReason) offerToReactors(probe);
-  FreeLibrary(probe);
-  if (mLoadModuleFailReason) {
+  std::wstring path = modulePath(probe.module);
+  // A refused signature holds even when its (empty) reason cannot be copied.
+  bool signatureRefused = !mLoadModuleFailReason && signatureRejected(path.c_str());
+  if (signatureRefused) setFailReason(L"");
+  if (!mLoadModuleFailReason && !signatureRefused) offerToReactors(probe.module);
+  FreeLibrary(probe.module);
+  probe.module = nullptr;
+  if (mLoadModuleFailReason || signatureRefused) {
     reportRefusal(fileName, printMessages);
     return nullptr;
   }
@@ -355,14 +386,22 @@ bool KrRxImpDynamicLinker::registerLoadedModule(const wchar_t* name, bool printM
   notify(reactorsFirst ? mpReactors : mpDbAppMonitors, &KrRxDLinkerReactor::rxAppWillBeLoaded, name);
   notify(reactorsFirst ? mpDbAppMonitors : mpReactors, &KrRxDLinkerReactor::rxAppWillBeLoaded, name);
   const wchar_t* key = findFileName(name);
-  auto* module = new KrRxGenHand();
-  module->setfileName(key);
-  mpLoadedModules->atPut(key, module);
+  KrRxGenHand* module = addTableEntry(mpLoadedModules, key);
+  if (!module) return failLoad(name, nullptr, printMessages);
   char reason[kReasonBufferSize];
-  void* handle = loadModuleEx(name, printMessages, reason);
+  void* handle = nullptr;
+  try {
+    handle = loadModuleEx(name, printMessages, reason);
+  } catch (const std::bad_alloc&) {
+  }
   if (!handle) return failLoad(name, key, printMessages);
   module->setVal(handle);
-  if (!module->loadDependencies(this, printMessages)) {
+  bool dependenciesLoaded = false;
+  try {
+    dependenciesLoaded = module->loadDependencies(this, printMessages);
+  } catch (const std::bad_alloc&) {
+  }
+  if (!dependenciesLoaded) {
     module->unloadDependencies(this);
     FreeLibrary(static_cast<HMODULE>(handle));
     module->setVal(nullptr);
@@ -372,13 +411,19 @@ bool KrRxImpDynamicLinker::registerLoadedModule(const wchar_t* name, bool printM
 }
 
 // Counts the loader's reference, sends kAppMsgInit and lets the monitors
-// veto; false after unloading the module again (forced).
+// veto; false after unloading the module again (forced). A module whose
+// initialisation runs out of memory is unloaded the same way.
 bool KrRxImpDynamicLinker::initialiseModule(KrRxGenHand* module, const wchar_t* name, bool asCommand) {
   if (asCommand)
     module->uiAddRef();
   else
     module->apiAddRef();
-  if (!module->sendAppMessage(KrRx::kAppMsgInit, module)) {
+  bool initialised = false;
+  try {
+    initialised = module->sendAppMessage(KrRx::kAppMsgInit, module);
+  } catch (const std::bad_alloc&) {
+  }
+  if (!initialised) {
     unloadModuleEx(name, asCommand, true, false);
     return false;
   }
@@ -392,7 +437,7 @@ bool KrRxImpDynamicLinker::initialiseModule(KrRxGenHand* module, const wchar_t* 
 }
 
 bool KrRxImpDynamicLinker::failLoad(const wchar_t* name, const wchar_t* key, bool printMessages) {
-  mpLoadedModules->remove(key);
+  if (key) mpLoadedModules->remove(key);
   if (printMessages) hostMessage(L"Failed to load '%ls'\n", name);
   notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppLoadAborted, name);
   notify(mpReactors, &KrRxDLinkerReactor::rxAppLoadAborted, name);
@@ -423,18 +468,22 @@ bool KrRxImpDynamicLinker::unloadModuleEx(const wchar_t* name, bool asCommand, b
   }
   if (!vetoed && !module->safeToUnload()) return true;
   // The record goes with its table entry; the name stays for the reactors.
-  const std::wstring fileName = module->FileName();
-  notify(mpReactors, &KrRxDLinkerReactor::rxAppWillBeUnloaded, fileName.c_str());
-  notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppWillBeUnloaded, fileName.c_str());
-  if (!releaseModule(module, fileName.c_str(), force)) {
+  // From here on nothing needs the heap, so that a forced unload always
+  // completes: a module is never left mapped without its table entry.
+  wchar_t fileName[kFileNameCapacity + 1];
+  wcsncpy(fileName, module->FileName(), kFileNameCapacity);
+  fileName[kFileNameCapacity] = L'\0';
+  notify(mpReactors, &KrRxDLinkerReactor::rxAppWillBeUnloaded, fileName);
+  notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppWillBeUnloaded, fileName);
+  if (!releaseModule(module, fileName, force)) {
     module->clrVetoFlag();
-    notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppUnloadAborted, fileName.c_str());
-    notify(mpReactors, &KrRxDLinkerReactor::rxAppUnloadAborted, fileName.c_str());
+    notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppUnloadAborted, fileName);
+    notify(mpReactors, &KrRxDLinkerReactor::rxAppUnloadAborted, fileName);
     return false;
   }
-  notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppUnloaded, fileName.c_str());
-  notify(mpReactors, &KrRxDLinkerReactor::rxAppUnloaded, fileName.c_str());
-  if (printMessages) hostMessage(L"\n'%ls' succefuly unloaded.\n", fileName.c_str());
+  notify(mpDbAppMonitors, &KrRxDLinkerReactor::rxAppUnloaded, fileName);
+  notify(mpReactors, &KrRxDLinkerReactor::rxAppUnloaded, fileName);
+  if (printMessages) hostMessage(L"\n'%ls' succefuly unloaded.\n", fileName);
   return true;
 }
 
@@ -442,7 +491,12 @@ bool KrRxImpDynamicLinker::unloadModuleEx(const wchar_t* name, bool asCommand, b
 // module goes, releases it and drops its table entry.
 bool KrRxImpDynamicLinker::releaseModule(KrRxGenHand* module, const wchar_t* fileName, bool force) {
   bool vetoed = module->appStatusFlags() & KrRxGenHand::kVetoed;
-  bool accepted = (force || !vetoed) && module->sendAppMessage(KrRx::kAppMsgUnload, module);
+  bool accepted = false;
+  // A module that runs out of memory while it takes its things back refuses.
+  try {
+    accepted = (force || !vetoed) && module->sendAppMessage(KrRx::kAppMsgUnload, module);
+  } catch (const std::bad_alloc&) {
+  }
   if (!force && !accepted) return false;
   KrRxImpClass::clearDeletedClassesArray();
   module->unloadDependencies(this);
@@ -498,11 +552,17 @@ int KrRxImpDynamicLinker::hostMessage(const wchar_t* format, ...) {
   va_copy(counting, args);
   int length = __mingw_vsnwprintf(nullptr, 0, format, counting);
   va_end(counting);
-  auto* text = length >= 0 ? static_cast<wchar_t*>(malloc((size_t(length) + 1) * sizeof(wchar_t))) : nullptr;
+  // Short messages need no heap, so that they get out when memory is short.
+  wchar_t onStack[kShortMessageCapacity];
+  wchar_t* text = nullptr;
+  if (length >= 0)
+    text = size_t(length) < kShortMessageCapacity
+               ? onStack
+               : static_cast<wchar_t*>(malloc((size_t(length) + 1) * sizeof(wchar_t)));
   int written = text ? __mingw_vsnwprintf(text, size_t(length) + 1, format, args) : -1;
   va_end(args);
   if (written >= 0) host->writeMessage(text, written);
-  free(text);
+  if (text != onStack) free(text);
   return written >= 0 ? kMessageWritten : kFormatFailed;
 }
 
@@ -571,16 +631,25 @@ bool KrRxImpDynamicLinker::initListedModules(const wchar_t* listFile) {
   HANDLE file = CreateFileW(listFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                             FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   if (file == INVALID_HANDLE_VALUE) return false;
-  // A read error ends the list where it happened: the lines read so far still load.
+  // A read error ends the list where it happened: the lines read so far
+  // still load. Memory running short ends it too, and the result is false.
   std::string bytes;
-  krrxReadFileBytes(file, bytes);
+  bool allLoaded = true;
+  try {
+    krrxReadFileBytes(file, bytes);
+  } catch (const std::bad_alloc&) {
+    allLoaded = false;
+  }
   CloseHandle(file);
   KrRxListFileReader reader(bytes.data(), bytes.size());
-  bool allLoaded = true;
   std::u16string line;
-  while (reader.nextLine(line))
-    if (!line.empty())
-      allLoaded = loadModule(reinterpret_cast<const wchar_t*>(line.c_str()), false, true) && allLoaded;
+  try {
+    while (reader.nextLine(line))
+      if (!line.empty())
+        allLoaded = loadModule(reinterpret_cast<const wchar_t*>(line.c_str()), false, true) && allLoaded;
+  } catch (const std::bad_alloc&) {
+    allLoaded = false;
+  }
   return allLoaded;
 }
 
@@ -589,15 +658,32 @@ bool KrRxImpDynamicLinker::initListedModules(const wchar_t* listFile) {
 bool KrRxImpDynamicLinker::loadApp(const wchar_t* appName, KesuApp::LoadReasons reason, bool printMessages,
                                    bool asCommand) {
   if (!appName) return false;
-  KesuAppInfo app(appName);
-  if (app.readFromRegistry() != KesuApp::eOk) return false;
-  if ((app.loadCtrls() & KesuApp::kLoadDisabled) || !(app.loadCtrls() & unsigned(reason))) return false;
-  if (!loadModule(app.moduleName(), printMessages, asCommand)) return false;
-  if (KrRxGenHand* module = findModule(app.moduleName())) {
+  std::wstring loader;
+  try {
+    KesuAppInfo app(appName);
+    if (app.readFromRegistry() != KesuApp::eOk) return false;
+    if ((app.loadCtrls() & KesuApp::kLoadDisabled) || !(app.loadCtrls() & unsigned(reason))) return false;
+    loader = app.moduleName();
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  if (!loadModule(loader.c_str(), printMessages, asCommand)) return false;
+  if (KrRxGenHand* module = findModule(loader.c_str())) {
     module->addLogicalAppName(appName);
+    // A load whose module cannot be found by the application's name is
+    // taken back: the reference it took is dropped again.
+    if (!module->hasLogicalAppName(appName)) {
+      unloadModuleEx(loader.c_str(), asCommand, false, false);
+      return false;
+    }
     module->setLoadReason(reason);
   }
-  loadApps(appName);
+  // The applications this one triggers are loads of their own: when memory
+  // runs short for them, this one stays loaded.
+  try {
+    loadApps(appName);
+  } catch (const std::bad_alloc&) {
+  }
   return true;
 }
 

@@ -43,7 +43,7 @@ Kesu::ErrorStatus KrRfImpReflectionPE::addSymbol(KrRfSymbol* symbol) {
   const wchar_t* name = symbol->name();
   if (!name || !isSymbolNameStart(name[0])) return Kesu::eInvalidInput;
   if (mSymbols.has(name)) return Kesu::eDuplicateKey;
-  mSymbols.atPut(name, symbol);
+  if (!mSymbols.putNew(name, symbol)) return Kesu::eOutOfMemory;
   if (KrRfImpReflectionService* service = krrfImpReflectionService()) service->notifyAdded(symbol);
   return Kesu::eOk;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <new>
 
 #include "krrxclass.h"
 #include "krrxdictionary.h"
@@ -22,13 +23,28 @@ struct KrRfImpSymbolIteratorLayout {
 };
 #pragma GCC diagnostic pop
 
+namespace {
+
+// Throws std::bad_alloc when the extension cannot be kept.
+void collect(KrRxGrowArray<const KrRfImpReflectionPE*>& extensions, const KrRfImpReflectionPE* extension) {
+  if (!extensions.append(extension)) throw std::bad_alloc();
+}
+
+}  // namespace
+
 KrRfImpSymbolIterator::KrRfImpSymbolIterator(const KrRfImpReflectionPE* start, const KrRxClass* cls)
     : mIndex(0), mpSymbols(nullptr) {
-  if (cls)
-    collectOwn(start, cls);
-  else
-    collectChain(start);
-  openFromIndex();
+  // An iterator that cannot see every extension is not made.
+  try {
+    if (cls)
+      collectOwn(start, cls);
+    else
+      collectChain(start);
+    openFromIndex();
+  } catch (const std::bad_alloc&) {
+    mExtensions.release();
+    throw;
+  }
 }
 
 KrRfImpSymbolIterator::~KrRfImpSymbolIterator() {
@@ -41,7 +57,7 @@ KrRfImpSymbolIterator::~KrRfImpSymbolIterator() {
 void KrRfImpSymbolIterator::collectChain(const KrRfImpReflectionPE* start) {
   for (const KrRfReflectionPE* pe = start; pe;
        pe = KrRfImpReflectionPE::extensionOf(pe->ownerClass()->myParent())) {
-    if (const KrRfImpReflectionPE* imp = KrRfImpReflectionPE::cast(pe)) mExtensions.append(imp);
+    if (const KrRfImpReflectionPE* imp = KrRfImpReflectionPE::cast(pe)) collect(mExtensions, imp);
   }
   std::reverse(mExtensions.data, mExtensions.data + mExtensions.count);
 }
@@ -49,7 +65,7 @@ void KrRfImpSymbolIterator::collectChain(const KrRfImpReflectionPE* start) {
 void KrRfImpSymbolIterator::collectOwn(const KrRfImpReflectionPE* start, const KrRxClass* cls) {
   if (!start->ownerClass()->isDerivedFrom(cls)) return;
   const KrRfImpReflectionPE* own = KrRfImpReflectionPE::cast(KrRfImpReflectionPE::ownExtensionOf(cls));
-  if (own) mExtensions.append(own);
+  if (own) collect(mExtensions, own);
 }
 
 bool KrRfImpSymbolIterator::openFromIndex() {

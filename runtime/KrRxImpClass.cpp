@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cwchar>
+#include <new>
 
 #include "krdiagnostics.h"
 #include "krrxdictionary.h"
@@ -40,13 +41,15 @@ KrRxClassInfo sEmptyInfo = {};
 
 wchar_t* copyText(const wchar_t* text) { return text ? __krStrdup(text) : nullptr; }
 
-// Calls visit(descendant) for each direct descendant of a class.
+// Calls visit(descendant) for each direct descendant of a class, allocating
+// nothing (the descendant sets are the library's own).
 template <typename Visit>
 void forEachDescendant(const KrRxImpClass* imp, Visit visit) {
   if (!imp->mpDescendants) return;
-  KrRxIterator* it = imp->mpDescendants->newIterator(true);
-  for (; !it->done(); it->next()) visit(static_cast<KrRxClass*>(it->object())->impObj());
-  delete it;
+  static_cast<const KrRxImpSet*>(imp->mpDescendants)->forEachMember([&](KrRxObject* child) {
+    visit(static_cast<KrRxClass*>(child)->impObj());
+    return true;
+  });
 }
 
 }  // namespace
@@ -68,7 +71,13 @@ KrRxImpClass::KrRxImpClass(KrRxClass* owner, const wchar_t* name, const wchar_t*
       mpPeTable(nullptr),
       mpInfo(&sEmptyInfo),
       mpReactorManager(nullptr) {
-  newClasses.append(this);
+  // A class that cannot keep its names or join the pending list fails as a
+  // whole, as its allocation would.
+  if ((name && !mpName) || (parentName && !mpParentName) || !newClasses.append(this)) {
+    __krFree(mpName);
+    __krFree(mpParentName);
+    throw std::bad_alloc();
+  }
 }
 
 KrRxImpClass::~KrRxImpClass() {
@@ -133,6 +142,12 @@ void KrRxImpClass::connectNewClasses(KrRxDictionary* dictionary) {
     KrRxImpClass* imp = newClasses.data[i];
     if (!imp) continue;
     KrRxObject* replaced = dictionary->atPut(imp->mpName, imp->mpOwner, imp->mDictionaryId);
+    // A failed key copy leaves the class out of the dictionary: it stays
+    // pending, before any class is linked that might name it as parent.
+    if (!dictionary->has(imp->mDictionaryId)) {
+      imp->mDictionaryId = 0;
+      throw std::bad_alloc();
+    }
     if (replaced && replaced != imp->mpOwner) imp->takeOver(static_cast<KrRxClass*>(replaced)->impObj());
   }
   bool deferred;
@@ -156,16 +171,19 @@ bool KrRxImpClass::connect(KrRxDictionary* dictionary) {
     if (!parent) krrx_abort(L"Class '%ls' parent named '%ls' not found.", mpName, mpParentName);
     KrRxImpClass* parentImp = parent->impObj();
     if (!parentImp->mpPeTable) return false;
+    // A descriptor that took over a replaced one's table keeps it, and with
+    // it everything its subtree inherits. The tables are made ready before
+    // the class is linked: when memory is short it stays unlinked.
+    if (!mpPeTable) mpPeTable = parentImp->mpPeTable;
+    for (int32_t i = 0; i < mExtensions.count; ++i) reserveTables(mExtensions.data[i].protocolClass);
     if (!parentImp->addDescendant(mpOwner))
       krrx_abort(L"Class '%ls' already contains a descendant called '%ls'.", parentImp->mpName, mpName);
     mpParent = parent;
-    // A descriptor that took over a replaced one's table keeps it, and with
-    // it everything its subtree inherits.
-    if (!mpPeTable) mpPeTable = parentImp->mpPeTable;
     for (int32_t i = 0; i < mExtensions.count; ++i)
       updateTables(mExtensions.data[i].protocolClass, mExtensions.data[i].object);
   } else if (!mpPeTable) {
     mpPeTable = static_cast<KrRxProtocolTable*>(__krMalloc(sizeof(KrRxProtocolTable)));
+    if (!mpPeTable) throw std::bad_alloc();
     *mpPeTable = {this, {}};
   }
   if (const wchar_t* appName = mpModule ? logicalAppName() : nullptr) mpModule->addLogicalAppName(appName);
@@ -197,7 +215,16 @@ const wchar_t* KrRxImpClass::logicalAppName() const {
 
 bool KrRxImpClass::addDescendant(KrRxClass* cls) {
   if (!mpDescendants) mpDescendants = new KrRxImpSet(false);
-  return mpDescendants->add(cls);
+  try {
+    return mpDescendants->add(cls);
+  } catch (const std::bad_alloc&) {
+    // No empty set stays behind: it would mark this class as having descendants.
+    if (mpDescendants->numEntries() == 0) {
+      delete mpDescendants;
+      mpDescendants = nullptr;
+    }
+    throw;
+  }
 }
 
 bool KrRxImpClass::removeDescendant(KrRxClass* cls) {
@@ -284,14 +311,15 @@ bool KrRxImpClass::hasOwnExtension(const KrRxClass* protocolClass) const {
 int32_t KrRxImpClass::protocolSlotFor(const KrRxClass* protocolClass) {
   KrRxImpClass* protocol = impOf(protocolClass);
   if (protocol->mProtocolIndex) return protocol->mProtocolIndex;
-  if (protocolClasses.count == 0 && !protocolClasses.append(nullptr)) return protocol->mProtocolIndex = -1;
+  // A slot that could not be had is not remembered: the next call tries again.
+  if (protocolClasses.count == 0 && !protocolClasses.append(nullptr)) return -1;
   for (int32_t slot = 1; slot < protocolClasses.count; ++slot) {
     if (!protocolClasses.data[slot]) {
       protocolClasses.data[slot] = protocolClass;
       return protocol->mProtocolIndex = slot;
     }
   }
-  if (!protocolClasses.append(protocolClass)) return protocol->mProtocolIndex = -1;
+  if (!protocolClasses.append(protocolClass)) return -1;
   return protocol->mProtocolIndex = protocolClasses.count - 1;
 }
 
@@ -306,8 +334,12 @@ KrRxObject* KrRxImpClass::inheritedEntry(int32_t index) const {
 void KrRxImpClass::makeOwnTable() {
   KrRxProtocolTable* shared = mpPeTable;
   auto* own = static_cast<KrRxProtocolTable*>(__krMalloc(sizeof(KrRxProtocolTable)));
+  if (!own) throw std::bad_alloc();
   *own = {this, {}};
-  own->entries.reserve(shared->entries.count);
+  if (!own->entries.reserve(shared->entries.count)) {
+    __krFree(own);
+    throw std::bad_alloc();
+  }
   if (shared->entries.count)
     memcpy(own->entries.data, shared->entries.data, shared->entries.count * sizeof(KrRxObject*));
   own->entries.count = shared->entries.count;
@@ -324,40 +356,63 @@ void KrRxImpClass::makeOwnTable() {
   Repoint::run(this, shared, own);
 }
 
+// reserveTables has made the room for index.
 void KrRxImpClass::setEntry(int32_t index, KrRxObject* object) {
   KrRxGrowArray<KrRxObject*>& entries = mpPeTable->entries;
   if (index >= entries.count) {
-    if (!entries.reserve(index + 1)) return;
     memset(entries.data + entries.count, 0, (index + 1 - entries.count) * sizeof(KrRxObject*));
     entries.count = index + 1;
   }
   entries.data[index] = object;
 }
 
+// The subtrees of classes with an own extension for protocolClass are left out.
+template <typename Visit>
+void KrRxImpClass::forEachInheritor(const KrRxClass* protocolClass, Visit& visit) const {
+  forEachDescendant(this, [&](KrRxImpClass* child) {
+    if (child->hasOwnExtension(protocolClass)) return;
+    visit(child);
+    child->forEachInheritor(protocolClass, visit);
+  });
+}
+
+// Makes every table that updateTables writes for protocolClass able to hold
+// its slot: this class's own (made first when it shares one) and those of
+// the inheritors that own theirs. Throws std::bad_alloc; what was made
+// stays, and still holds the right entries.
+void KrRxImpClass::reserveTables(const KrRxClass* protocolClass) {
+  if (!mpPeTable) return;
+  const int32_t index = impOf(protocolClass)->mProtocolIndex;
+  if (mpPeTable->owner != this) makeOwnTable();
+  auto reserve = [index](KrRxImpClass* imp) {
+    if (imp->mpPeTable && imp->mpPeTable->owner == imp && !imp->mpPeTable->entries.reserve(index + 1))
+      throw std::bad_alloc();
+  };
+  reserve(this);
+  forEachInheritor(protocolClass, reserve);
+}
+
 // Sets this class's entry for protocolClass to object and carries it down to
-// every descendant without an attachment of its own.
+// every descendant without an attachment of its own. reserveTables comes
+// first, so that nothing here can fail.
 void KrRxImpClass::updateTables(const KrRxClass* protocolClass, KrRxObject* object) {
   if (!mpPeTable) return;
-  int32_t index = impOf(protocolClass)->mProtocolIndex;
-  if (mpPeTable->owner != this) makeOwnTable();
-  setEntry(index, object);
-  struct Descend {
-    static void run(KrRxImpClass* imp, const KrRxClass* protocolClass, int32_t index, KrRxObject* object) {
-      forEachDescendant(imp, [=](KrRxImpClass* child) {
-        if (child->hasOwnExtension(protocolClass)) return;
-        if (child->mpPeTable && child->mpPeTable->owner == child) child->setEntry(index, object);
-        run(child, protocolClass, index, object);
-      });
-    }
+  const int32_t index = impOf(protocolClass)->mProtocolIndex;
+  auto set = [index, object](KrRxImpClass* imp) {
+    if (imp->mpPeTable && imp->mpPeTable->owner == imp) imp->setEntry(index, object);
   };
-  Descend::run(this, protocolClass, index, object);
+  set(this);
+  forEachInheritor(protocolClass, set);
 }
 
 KrRxObject* KrRxImpClass::addX(const KrRxClass* protocolClass, KrRxObject* object) {
   if (!impOf(protocolClass)->mProtocolIndex && !object) return nullptr;
-  if (protocolSlotFor(protocolClass) < 0) return nullptr;
+  if (protocolSlotFor(protocolClass) < 0) throw std::bad_alloc();
   bool found;
   int32_t position = findExtension(protocolClass, found);
+  // Everything that can fail comes before the first change.
+  if (!found && object && !mExtensions.reserve(mExtensions.count + 1)) throw std::bad_alloc();
+  reserveTables(protocolClass);
   KrRxObject* previous = nullptr;
   if (found) {
     previous = mExtensions.data[position].object;
@@ -378,6 +433,7 @@ KrRxObject* KrRxImpClass::delX(const KrRxClass* protocolClass) {
   bool found;
   int32_t position = findExtension(protocolClass, found);
   if (!found) return nullptr;
+  reserveTables(protocolClass);
   KrRxObject* previous = mExtensions.data[position].object;
   mExtensions.removeAt(position);
   updateTables(protocolClass, inheritedEntry(index));

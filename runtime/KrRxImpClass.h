@@ -116,6 +116,11 @@ class KR1ST_API KrRxImpClass {
   KrRxObject* inheritedEntry(int32_t index) const;
   void makeOwnTable();
   void setEntry(int32_t index, KrRxObject* object);
+  // Calls visit(descendant) for every descendant that inherits this class's
+  // entry for protocolClass, allocating nothing.
+  template <typename Visit>
+  void forEachInheritor(const KrRxClass* protocolClass, Visit& visit) const;
+  void reserveTables(const KrRxClass* protocolClass);
   void updateTables(const KrRxClass* protocolClass, KrRxObject* object);
   void takeOver(KrRxImpClass* replaced);
 };

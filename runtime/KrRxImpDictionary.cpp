@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <cwchar>
+#include <new>
 #include <thread>
 
 #include "runtime/KrRxCoreClass.h"
@@ -88,9 +89,14 @@ KrRxImpDictionary::KrRxImpDictionary(unsigned int length, bool deleteObjects, bo
       mSortState(sorted ? kPermanentlySorted : kUnindexed),
       mCompare(ignoreCase ? compareIgnoringCase : compareCodeUnits),
       mDispose(deleteObjects ? deleteObject : keepObject) {
-  mEntries.reserve(int32_t(std::min(length, unsigned(INT_MAX - 1))) + 1, kEntryLargeIncrement);
-  mEntries.append({nullptr, nullptr}, kEntryLargeIncrement);
-  if (sorted) mKeyIndex.append(0, kIdLargeIncrement);
+  // Entry 0 (and a sorted index's id 0) must exist before any lookup.
+  bool reserved = mEntries.reserve(int32_t(std::min(length, unsigned(INT_MAX - 1))) + 1, kEntryLargeIncrement);
+  if (!reserved || !mEntries.append({nullptr, nullptr}, kEntryLargeIncrement) ||
+      (sorted && !mKeyIndex.append(0, kIdLargeIncrement))) {
+    mEntries.release();
+    mKeyIndex.release();
+    throw std::bad_alloc();
+  }
 }
 
 KrRxImpDictionary::~KrRxImpDictionary() {
@@ -201,33 +207,46 @@ KrRxObject* KrRxImpDictionary::atPut(const wchar_t* key, KrRxObject* object, uns
   int32_t position;
   id = find(key, position);
   if (id) return atPut(id, object);
-  if (!key || !accepts(object)) return nullptr;
-  wchar_t* copy = __krStrdup(key);
-  if (!mEntries.append({copy, copy ? object : nullptr}, kEntryLargeIncrement)) {
-    __krFree(copy);
-    return nullptr;
-  }
-  id = unsigned(mEntries.count - 1);
-  ++mLiveCount;
-  if (copy && hasKeyIndex()) mKeyIndex.insertAt(position, id, kIdLargeIncrement);
+  if (key && accepts(object)) id = appendEntry(key, object, position, true);
   return nullptr;
+}
+
+unsigned int KrRxImpDictionary::putNew(const wchar_t* key, KrRxObject* object) {
+  int32_t position;
+  if (!key || find(key, position) || !accepts(object)) return 0;
+  return appendEntry(key, object, position, false);
+}
+
+// A failed key copy that is kept takes its position and counts, without key
+// or object: it never enters the key index, so no comparison meets it.
+unsigned int KrRxImpDictionary::appendEntry(const wchar_t* key, KrRxObject* object, int32_t position,
+                                            bool keepKeyless) {
+  if (!reserveIndexRoom() || !mEntries.reserve(mEntries.count + 1, kEntryLargeIncrement)) return 0;
+  wchar_t* copy = __krStrdup(key);
+  if (!copy && !keepKeyless) return 0;
+  mEntries.append({copy, copy ? object : nullptr}, kEntryLargeIncrement);
+  ++mLiveCount;
+  unsigned int id = unsigned(mEntries.count - 1);
+  if (copy && hasKeyIndex()) mKeyIndex.insertAt(position, id, kIdLargeIncrement);
+  return id;
+}
+
+bool KrRxImpDictionary::reserveIndexRoom() {
+  return !hasKeyIndex() || mKeyIndex.reserve(mKeyIndex.count + 1, kIdLargeIncrement);
 }
 
 bool KrRxImpDictionary::atKeyAndIdPut(const wchar_t* key, unsigned int id, KrRxObject* object) {
   if (id == 0 || !key || !object || !accepts(object)) return false;
-  if (id < unsigned(mEntries.count)) {
-    if (mEntries.data[id].key || has(key)) return false;
-  } else {
-    if (has(key) || id >= unsigned(INT_MAX)) return false;
-    int32_t count = int32_t(id) + 1;
-    if (!mEntries.reserve(count, kEntryLargeIncrement)) return false;
-    memset(static_cast<void*>(mEntries.data + mEntries.count), 0, size_t(count - mEntries.count) * sizeof(Entry));
-    mEntries.count = count;
-  }
-  Entry& entry = mEntries.data[id];
-  entry.key = __krStrdup(key);
-  if (!entry.key) return false;
-  entry.object = object;
+  bool inside = id < unsigned(mEntries.count);
+  if (has(key) || (inside && mEntries.data[id].key) || id >= unsigned(INT_MAX)) return false;
+  // Everything that can fail comes first, so that a failure changes nothing.
+  int32_t count = std::max(mEntries.count, int32_t(id) + 1);
+  if (!reserveIndexRoom() || !mEntries.reserve(count, kEntryLargeIncrement)) return false;
+  wchar_t* copy = __krStrdup(key);
+  if (!copy) return false;
+  memset(static_cast<void*>(mEntries.data + mEntries.count), 0, size_t(count - mEntries.count) * sizeof(Entry));
+  mEntries.count = count;
+  mEntries.data[id] = {copy, object};
   ++mLiveCount;
   indexInsert(id);
   return true;
@@ -260,11 +279,13 @@ KrRxObject* KrRxImpDictionary::release(unsigned int id) {
 
 bool KrRxImpDictionary::resetKey(unsigned int id, const wchar_t* newKey) {
   if (!newKey || !has(id) || has(newKey)) return false;
+  // The copy comes first: when it fails, the entry keeps its old key.
+  wchar_t* copy = __krStrdup(newKey);
+  if (!copy) return false;
   indexRemove(id);
   Entry& entry = mEntries.data[id];
   __krFree(entry.key);
-  entry.key = __krStrdup(newKey);
-  if (!entry.key) return false;
+  entry.key = copy;
   indexInsert(id);
   return true;
 }
@@ -292,14 +313,29 @@ void KrRxImpDictionary::disposeEntries() {
   }
 }
 
+namespace {
+
+// Replaces array by a fresh one holding only first; when memory is short the
+// old block stays, cut to that one element.
+template <typename T>
+void restartWith(KrRxGrowArray<T>& array, const T& first, int32_t largeIncrement) {
+  KrRxGrowArray<T> fresh;
+  if (fresh.append(first, largeIncrement)) {
+    array.release();
+    array = fresh;
+    return;
+  }
+  array.data[0] = first;
+  array.count = 1;
+}
+
+}  // namespace
+
 void KrRxImpDictionary::resetToEmpty() {
-  mEntries.release();
-  mEntries.growStep = 8;
-  mEntries.append({nullptr, nullptr}, kEntryLargeIncrement);
+  restartWith(mEntries, Entry{nullptr, nullptr}, kEntryLargeIncrement);
   mLiveCount = 0;
   if (sortState() == kUnindexed) return;
-  mKeyIndex.release();
-  mKeyIndex.append(0, kIdLargeIncrement);
+  restartWith(mKeyIndex, uint32_t(0), kIdLargeIncrement);
 }
 
 void KrRxImpDictionary::removeAll() {
@@ -311,7 +347,11 @@ void KrRxImpDictionary::openKeyOrder() const {
   for (;;) {
     int32_t state = kUnindexed;
     if (mSortState.compare_exchange_strong(state, kBuilding)) {
-      buildKeyIndex();
+      if (!buildKeyIndex()) {
+        mKeyIndex.release();
+        mSortState.store(kUnindexed);
+        throw std::bad_alloc();
+      }
       mSortState.fetch_add(1);
       return;
     }
@@ -331,15 +371,15 @@ void KrRxImpDictionary::closeKeyOrder() const {
   mSortState.store(kUnindexed);
 }
 
-void KrRxImpDictionary::buildKeyIndex() const {
+bool KrRxImpDictionary::buildKeyIndex() const {
   mKeyIndex.release();
   mKeyIndex.growStep = 8;
-  mKeyIndex.reserve(mLiveCount + 1, kIdLargeIncrement);
-  mKeyIndex.append(0, kIdLargeIncrement);
+  if (!mKeyIndex.reserve(mLiveCount + 1, kIdLargeIncrement) || !mKeyIndex.append(0, kIdLargeIncrement)) return false;
   for (int32_t position = 1; position < mEntries.count; ++position)
-    if (mEntries.data[position].key) mKeyIndex.append(uint32_t(position), kIdLargeIncrement);
+    if (mEntries.data[position].key && !mKeyIndex.append(uint32_t(position), kIdLargeIncrement)) return false;
   const Entry* entries = mEntries.data;
   Compare compare = mCompare;
   std::sort(mKeyIndex.data + 1, mKeyIndex.data + mKeyIndex.count,
             [entries, compare](uint32_t a, uint32_t b) { return compare(entries[a].key, entries[b].key) < 0; });
+  return true;
 }

@@ -44,6 +44,11 @@ class KR1ST_API KrRxImpDictionary : public KrRxDictionary {
   bool isCaseSensitive() const override;
   bool isSorted() const override;
 
+  // Puts a key that is not present yet, all or nothing: its new id, or 0
+  // with nothing changed (not even the count) when the key is present, the
+  // object is refused or memory is short.
+  unsigned int putNew(const wchar_t* key, KrRxObject* object);
+
   // Drops every entry (deleting the objects when the dictionary owns them);
   // ids start again at 1. Not while key-order iterators are open.
   void removeAll();
@@ -78,6 +83,12 @@ class KR1ST_API KrRxImpDictionary : public KrRxDictionary {
   // The id of key, or 0; position is where key is or would go in keyIndex
   // (0 while there is no index).
   unsigned int find(const wchar_t* key, int32_t& position) const;
+  // Appends key (not present; position is where it goes in keyIndex) and
+  // gives its id, or 0 with nothing changed when memory is short. With
+  // keepKeyless a failed key copy still takes a counted, keyless position.
+  unsigned int appendEntry(const wchar_t* key, KrRxObject* object, int32_t position, bool keepKeyless);
+  // Makes sure the key index can take one more id; false when memory is short.
+  bool reserveIndexRoom();
   void indexInsert(unsigned int id);
   void indexRemove(unsigned int id);
   // Frees the key of a live entry no longer in keyIndex and disposes its object.
@@ -86,9 +97,11 @@ class KR1ST_API KrRxImpDictionary : public KrRxDictionary {
   void resetToEmpty();
 
   // Key-order iteration shares one index between all open iterators.
+  // Throws std::bad_alloc when the index cannot be built.
   void openKeyOrder() const;
   void closeKeyOrder() const;
-  void buildKeyIndex() const;
+  // False when memory is short; the caller drops the partial index.
+  bool buildKeyIndex() const;
 
   const KrRxClass* mpRequiredClass;
   mutable KrRxGrowArray<uint32_t> mKeyIndex;

@@ -25,6 +25,17 @@ class KR1ST_API KrRxImpSet : public KrRxSet {
   KrRxIterator* newIterator(bool forward = true) const override;
   bool deletesObjects() const override;
 
+  // Calls visit(member) for each member in order until it returns false,
+  // allocating nothing. A visit may remove the member it is given.
+  template <typename Visit>
+  void forEachMember(Visit visit) const {
+    for (KrRxGenLinkedList::Node* node = mList.first(); node;) {
+      KrRxGenLinkedList::Node* next = node->next;
+      if (!visit(node->object)) return;
+      node = next;
+    }
+  }
+
  private:
   typedef KrRxGenLinkedList::Node Node;
   struct Position {

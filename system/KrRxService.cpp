@@ -1,5 +1,7 @@
 // Services: owning module, dependency counting, and the service free functions.
 
+#include <memory>
+
 #include "krrxservice.h"
 
 #include <cstdint>
@@ -53,7 +55,11 @@ void KrRxService::setDependencyFunctionPtr(KrRxAppEntryPoint fn) { mpData->depen
 
 KrRxObject* krrxRegisterService(const wchar_t* name) {
   KrRxDynamicLinker* linker = KrRxImpDynamicLinker::registered();
-  return linker ? linker->registerService(name, new KrRxService()) : nullptr;
+  if (!linker) return nullptr;
+  std::unique_ptr<KrRxService> service(new KrRxService());
+  KrRxObject* registered = linker->registerService(name, service.get());
+  service.release();
+  return registered;
 }
 
 bool krrxServiceIsRegistered(const wchar_t* name) {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cwctype>
 
 #include "runtime/KrRxCoreClass.h"
 #include "values/KrVtFraction.h"
@@ -35,14 +36,28 @@ Kesu::ErrorStatus KrVtRatioFormattable::toText(const KrRxObject* object, wchar_t
   return composer.copyTo(text);
 }
 
+namespace {
+
+const wchar_t* skipSpace(const wchar_t* text) {
+  while (iswspace(*text)) ++text;
+  return text;
+}
+
+}  // namespace
+
 Kesu::ErrorStatus KrVtRatioFormattable::fromText(KrRxObject* object, const wchar_t* text, const KrRxFormatContext*) {
   KrVtRatio* ratio = KrVtRatio::cast(object);
   if (!ratio || !text) return Kesu::eInvalidInput;
+  // Read as "%lld : %llu" reads it, without the C scan (whose heap block
+  // it does not survive losing): white space around the colon is optional.
   __int64 numerator = 0;
   unsigned __int64 denominator = 0;
-  int read = __mingw_swscanf(text, L"%lld : %llu", &numerator, &denominator);
-  if (read <= 0) return Kesu::eInvalidInput;
-  if (read == 2) return ratio->fromFraction(numerator, denominator);
+  if (!KrVtText::scanInteger(text, numerator)) return Kesu::eInvalidInput;
+  const wchar_t* rest = skipSpace(text);
+  if (*rest == L'+' || *rest == L'-') ++rest;
+  while (*rest >= L'0' && *rest <= L'9') ++rest;
+  rest = skipSpace(rest);
+  if (*rest == L':' && KrVtText::scanInteger(rest + 1, denominator)) return ratio->fromFraction(numerator, denominator);
   // One number: the text is read again as a double (1.0 when that fails).
   double single = 1.0;
   KrVtText::scanDouble(text, single);

@@ -3,9 +3,20 @@
 #include <windows.h>
 
 #include "modules/KrRxFileBytes.h"
+#include "runtime/KrRxImpDictionary.h"
 
 KrRxImpDynamicLinker* krTestLinker() {
   return KrRxImpDynamicLinker::cast(krrxSysRegistry()->at(L"DynamicLinker"));
+}
+
+long long krSystemTableBytes() {
+  const KrRxImpDictionary* tables[] = {
+      KrRxImpDictionary::cast(krrxSysRegistry()), KrRxImpDictionary::cast(krrxSysClasses()),
+      KrRxImpDictionary::cast(krrxSysRegistry()->at(L"ServiceDictionary")), krTestLinker()->loadedModules()};
+  long long bytes = 0;
+  for (const KrRxImpDictionary* table : tables)
+    bytes += table->entryBlockBytes() + table->keyIndex().capacity * sizeof(uint32_t);
+  return bytes;
 }
 
 std::wstring krSystemText(unsigned long error) {

@@ -17,6 +17,11 @@ T krModuleSymbol(const wchar_t* module, const char* symbol) {
   return reinterpret_cast<T>(krTestLinker()->getSymbolAddress(module, symbol));
 }
 
+// The bytes of the dictionaries that keep a position for every id they hand
+// out (the system registry, the class and service dictionaries, the
+// loaded-module table): what loads and unloads may leave behind by design.
+long long krSystemTableBytes();
+
 // The system's text for an error code, as the linker reports it.
 std::wstring krSystemText(unsigned long error);
 std::string krUtf16le(const std::wstring& text);
