@@ -8,7 +8,6 @@
 set -e
 cd "$(dirname "$0")/.."
 work=$(mktemp -d /tmp/kestrune-guides.XXXXXX)
-trap 'rm -rf "$work"' EXIT
 mkdir "$work/home" "$work/blocks"
 
 # blocks/N.sh for the N-th shell block, blocks/N.expected for its output block.
@@ -29,9 +28,9 @@ count=$(ls "$work/blocks"/*.sh | wc -l)
 } >"$work/run.sh"
 (HOME="$work/home" bash "$work/run.sh")
 
-# Paths and sizes differ from machine to machine.
+# Paths and sizes differ from machine to machine; Windows programs end lines with CR LF.
 mask() {
-  sed -e 's/[A-Za-z]:\\[^ ]*/<path>/g' -e 's#/[^ ]*/[^ ]*#<path>#g' -e 's/[0-9][0-9]* bytes/<size> bytes/g' "$1"
+  sed -e 's/\r//g' -e 's/[A-Za-z]:\\[^ ]*/<path>/g' -e 's#/[^ ]*/[^ ]*#<path>#g' -e 's/[0-9][0-9]* bytes/<size> bytes/g' "$1"
 }
 
 status=0
@@ -49,5 +48,10 @@ for n in $(seq 1 "$count"); do
     status=1
   fi
 done
-[ $status -eq 0 ] && echo "guides: $count shell blocks ran as written"
+if [ $status -eq 0 ]; then
+  rm -rf "$work"
+  echo "guides: $count shell blocks ran as written"
+else
+  echo "Each block's output is kept in $work/blocks (N.actual)."
+fi
 exit $status
