@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "krrxclass.h"
+#include "runtime/KrRxClassAttachments.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxGrowArray.h"
 #include "runtime/KrRxImpClass.h"
@@ -14,6 +15,14 @@ KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxOverruleBase, KrRxObject)
 KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxOverrule, KrRxOverruleBase)
 KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRxQueryXOverrule, KrRxOverrule)
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxOverruleInternals, KrRxObject)
+
+namespace {
+
+// The overrule list attached to a class goes with the class.
+void releaseOverruleList(KrRxImpClass* cls) { delete cls->ownX(KrRxOverruleInternals::desc()); }
+[[maybe_unused]] const bool overruleListReleaseInstalled = krrxAddClassAttachmentRelease(releaseOverruleList);
+
+}  // namespace
 
 static_assert(sizeof(KrRxOverruleBase) == sizeof(KrRxObject) + sizeof(void*),
               "an overrule holds one pointer-sized member after the root object");

@@ -4,6 +4,7 @@
 
 #include <new>
 
+#include "runtime/KrRxClassAttachments.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxImpClass.h"
 
@@ -32,6 +33,14 @@ KrRxProtocolReactorList* KrRxImpProtocolReactorManager::createReactorList(KrRxCl
 KrRxProtocolReactorListIterator* KrRxImpProtocolReactorManager::newIterator() const {
   return new KrRxImpProtocolReactorListIterator(this);
 }
+
+namespace {
+
+// A class's reactor manager goes with the class.
+void releaseReactorManager(KrRxImpClass* cls) { delete cls->mpReactorManager; }
+[[maybe_unused]] const bool reactorManagerReleaseInstalled = krrxAddClassAttachmentRelease(releaseReactorManager);
+
+}  // namespace
 
 KrRxProtocolReactorManager* KrRxImpProtocolReactorManagerFactory::createReactorManager(KrRxClass* cls) const {
   KrRxImpClass* imp = cls ? cls->impObj() : nullptr;

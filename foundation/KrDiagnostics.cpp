@@ -8,18 +8,19 @@
 #include <cwchar>
 
 #include "foundation/KrHostServices.h"
+#include "foundation/KrModuleName.h"
 #include "foundation/KrTextFormat.h"
 #include "krhostservices.h"
-#include "krrxgenhand.h"
 
 namespace {
 
 constexpr size_t kMessageCapacity = 2048;
 
+KrModuleNameSource moduleNameSource = nullptr;
+
 // The name under which a crash is reported: the running module's, else "Kestrune".
 const wchar_t* crashApplicationName() {
-  KrRxGenHand* module = KrRxGenHand::curModule();
-  const wchar_t* name = module ? module->FileName() : nullptr;
+  const wchar_t* name = krCurrentModuleName();
   return name && *name ? name : L"Kestrune";
 }
 
@@ -28,6 +29,10 @@ DWORD abortExceptionCode(Kesu::ErrorStatus status) {
 }
 
 }  // namespace
+
+void krSetModuleNameSource(KrModuleNameSource source) { moduleNameSource = source; }
+
+const wchar_t* krCurrentModuleName() { return moduleNameSource ? moduleNameSource() : nullptr; }
 
 void krrx_warning(const wchar_t* format, ...) {
   if (!IsDebuggerPresent()) return;
@@ -74,8 +79,8 @@ void krrx_abort_file_line(const wchar_t* file, int line, const wchar_t* text) {
 void krrx_abort_file_line(const wchar_t* file, int line) { krrx_abort(L"!%ls@%d", file, line); }
 
 void krutAssertMessage(const wchar_t* expression, const wchar_t* file, int line, const wchar_t* status) {
-  KrRxGenHand* module = KrRxGenHand::curModule();
-  const wchar_t* moduleName = module ? module->FileName() : L"..";
+  const wchar_t* moduleName = krCurrentModuleName();
+  if (!moduleName) moduleName = L"..";
   wchar_t failed[400], statusText[200], moduleText[260], fileText[260], lineText[32];
   krFormatTruncated(failed, 400, L"Failed: %ls.\r\n", expression);
   krFormatTruncated(statusText, 200, L"Status: %ls.\r\n", status);

@@ -1,10 +1,12 @@
-// The demo prints what the runtime holds (system registry, services, class
-// tree with protocol extensions) and how values are written as text, then
-// loads the sample modules named in a start-up list file that it writes into
-// the current directory (run it from the samples' folder), shows them in the
-// loaded-module table and the class tree, shows what the shapes module adds
-// (an overrule, a protocol reactor, two properties), sends the greeter a
-// message, unloads them and tells what a linker reactor saw meanwhile.
+// The demo prints what the runtime holds (system registry, services) and how
+// values are written as text, then loads the sample modules named in a
+// start-up list file that it writes into the current directory (run it from
+// the samples' folder), shows them in the loaded-module table, prints the
+// class tree once with each module's classes marked by its name, and what
+// loading added to and removed from the registry, services and classes. Then
+// it shows what the shapes module adds (an overrule, a protocol reactor, two
+// properties), sends the greeter a message, unloads them and tells what a
+// linker reactor saw meanwhile.
 
 #include "host/KrHostDemo.h"
 
@@ -13,6 +15,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -22,22 +25,55 @@
 
 namespace {
 
-// Keeps every load and unload notification of the linker, to show at the end.
+using Names = std::set<std::wstring>;
+
+Names keysOf(const KrRxDictionary* dictionary) {
+  Names keys;
+  KrRxDictionaryIterator* it = dictionary->newIterator(KrRx::kDictById);
+  for (; !it->done(); it->next()) keys.insert(it->key());
+  delete it;
+  return keys;
+}
+
+Names classNames() { return keysOf(krrxSysClasses()); }
+Names serviceNames() { return keysOf(static_cast<KrRxDictionary*>(krrxSysRegistry()->at(L"ServiceDictionary"))); }
+Names registryKeys() { return keysOf(krrxSysRegistry()); }
+
+// Keeps every load and unload notification of the linker, to show at the end,
+// and the classes each loaded module added.
 class LoggingReactor : public KrRxDLinkerReactor {
  public:
+  LoggingReactor() : mKnownClasses(classNames()) {}
+
   void rxAppWillBeLoaded(const wchar_t* name) override { log(L"will be loaded", name); }
-  void rxAppLoaded(const wchar_t* name) override { log(L"loaded", name); }
+  void rxAppLoaded(const wchar_t* name) override {
+    log(L"loaded", name);
+    Names now = classNames();
+    for (const std::wstring& cls : now)
+      if (!mKnownClasses.count(cls)) mClassModules[cls] = name;
+    mKnownClasses = std::move(now);
+  }
   void rxAppLoadAborted(const wchar_t* name) override { log(L"load aborted", name); }
   void rxAppWillBeUnloaded(const wchar_t* name) override { log(L"will be unloaded", name); }
   void rxAppUnloaded(const wchar_t* name) override { log(L"unloaded", name); }
   void rxAppUnloadAborted(const wchar_t* name) override { log(L"unload aborted", name); }
 
   const std::vector<std::wstring>& events() const { return mEvents; }
+  const KrHostClassModules& classModules() const { return mClassModules; }
 
  private:
   void log(const wchar_t* event, const wchar_t* name) { mEvents.push_back(std::wstring(event) + L": " + name); }
 
   std::vector<std::wstring> mEvents;
+  Names mKnownClasses;
+  KrHostClassModules mClassModules;
+};
+
+// The names of the registry, the services and the classes at one moment.
+struct Holdings {
+  Names registry = registryKeys();
+  Names services = serviceNames();
+  Names classes = classNames();
 };
 
 const wchar_t* const kSampleModules[] = {L"shapes.krx", L"greeter.kra"};
@@ -76,6 +112,32 @@ std::vector<std::wstring> servicesOf(const KrRxGenHand* module) {
     if (static_cast<KrRxService*>(it->object())->getSysInfo() == module) names.push_back(it->key());
   delete it;
   return names;
+}
+
+void addChangeRows(KrHostTable& table, const wchar_t* what, const Names& before, const Names& after) {
+  std::vector<std::wstring> added, removed;
+  for (const std::wstring& name : after)
+    if (!before.count(name)) added.push_back(name);
+  for (const std::wstring& name : before)
+    if (!after.count(name)) removed.push_back(name);
+  table.row({what, KrHostValue::list(added), KrHostValue::list(removed)});
+}
+
+void printChanges(const Holdings& before) {
+  Holdings after;
+  KrHostReport report;
+  KrHostTable& table = report.table("changes", L"What loading added and removed",
+                                    {{"what", L""}, {"added", L"ADDED"}, {"removed", L"REMOVED"}});
+  addChangeRows(table, L"registry", before.registry, after.registry);
+  addChangeRows(table, L"services", before.services, after.services);
+  addChangeRows(table, L"classes", before.classes, after.classes);
+  print(L"\n" + report.text());
+}
+
+void printClassTree(const KrHostClassModules& classModules) {
+  KrHostReport report;
+  krhostReportClassTree(report, &classModules);
+  print(L"\n" + report.text());
 }
 
 void printLoadedModules() {
@@ -241,15 +303,15 @@ int runDemo(const KrHostInvocation& invocation) {
   print(L"Kestrune runtime host\n");
   printReport(krhostReportRegistry);
   printReport(krhostReportServices);
-  printReport(krhostReportClassTree);
   printValues();
 
+  Holdings before;
   LoggingReactor reactor;
   krhostLinker()->addReactor(&reactor);
   bool listed = loadSampleModules();
   printLoadedModules();
-  printReport(krhostReportServices);
-  printReport(krhostReportClassTree);
+  printClassTree(reactor.classModules());
+  printChanges(before);
   printShapesModule();
   printGreeting();
   unloadSampleModules();
@@ -264,12 +326,14 @@ int runDemo(const KrHostInvocation& invocation) {
 
 void krhostAddDemoCommand(KrHostCommandTable& table) {
   table.push_back({L"demo", L"", L"A tour of the runtime with the sample modules (what plain krhost runs).",
-                   L"Prints the system registry, the services, the class tree and values in their\n"
-                   L"text forms, loads the two sample modules through a start-up list file\n"
-                   L"(krrx.rx, written into the current directory: run it in the samples'\n"
-                   L"folder), shows them with the overrule, protocol reactor and properties the\n"
-                   L"shapes module adds, sends one a message, unloads both and prints what a\n"
-                   L"linker reactor saw. Its output is narrative text only: --json is refused\n"
+                   L"Prints the system registry, the services and values in their text forms,\n"
+                   L"loads the two sample modules through a start-up list file (krrx.rx,\n"
+                   L"written into the current directory: run it in the samples' folder),\n"
+                   L"prints the class tree once with each module's classes marked by its name\n"
+                   L"and what loading added and removed, shows the overrule, protocol reactor\n"
+                   L"and properties the shapes module adds, sends one a message, unloads both\n"
+                   L"and prints what a linker reactor saw. Its output is narrative text only:\n"
+                   L"--json is refused\n"
                    L"(the other commands give the same facts as JSON).",
                    {}, runDemo});
 }

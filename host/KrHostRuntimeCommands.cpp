@@ -29,14 +29,18 @@ std::vector<std::wstring> extensionsOf(const KrRxClass* cls) {
   return extensions;
 }
 
-void addClassRows(KrHostTable& table, const KrRxClass* cls, int depth) {
+void addClassRows(KrHostTable& table, const KrRxClass* cls, int depth, const KrHostClassModules* modules) {
   const KrRxClass* parent = cls->myParent();
-  table.row({cls->name(), parent ? KrHostValue(parent->name()) : KrHostValue(), KrHostValue::number(depth),
-             KrHostValue::list(extensionsOf(cls))},
-            depth);
+  std::vector<KrHostValue> cells = {cls->name(), parent ? KrHostValue(parent->name()) : KrHostValue(),
+                                    KrHostValue::number(depth), KrHostValue::list(extensionsOf(cls))};
+  if (modules) {
+    auto added = modules->find(cls->name());
+    cells.push_back(added == modules->end() ? KrHostValue() : KrHostValue(added->second));
+  }
+  table.row(cells, depth);
   if (KrRxSet* children = cls->descendants()) {
     KrRxIterator* it = children->newIterator(true);
-    for (; !it->done(); it->next()) addClassRows(table, static_cast<KrRxClass*>(it->object()), depth + 1);
+    for (; !it->done(); it->next()) addClassRows(table, static_cast<KrRxClass*>(it->object()), depth + 1, modules);
     delete it;
   }
 }
@@ -214,13 +218,14 @@ void krhostReportSymbols(KrHostReport& report, const KrRxClass* cls, const KrRxO
   delete it;
 }
 
-void krhostReportClassTree(KrHostReport& report) {
-  KrHostTable& table = report.table("classes", L"Class tree",
-                                    {{"name", L"CLASS"},
-                                     {"parent", L"PARENT", false},
-                                     {"depth", L"DEPTH", false},
-                                     {"extensions", L"PROTOCOL EXTENSIONS"}});
-  addClassRows(table, KrRxObject::desc(), 0);
+void krhostReportClassTree(KrHostReport& report, const KrHostClassModules* modules) {
+  std::vector<KrHostTable::Column> columns = {{"name", L"CLASS"},
+                                              {"parent", L"PARENT", false},
+                                              {"depth", L"DEPTH", false},
+                                              {"extensions", L"PROTOCOL EXTENSIONS"}};
+  if (modules) columns.push_back({"module", L"MODULE"});
+  KrHostTable& table = report.table("classes", L"Class tree", columns);
+  addClassRows(table, KrRxObject::desc(), 0, modules);
 }
 
 void krhostAddRuntimeCommands(KrHostCommandTable& table) {

@@ -16,10 +16,12 @@
 #include "krrxdynamiclinker.h"
 #include "krrxservice.h"
 #include "krrxsystem.h"
+#include "foundation/KrModuleName.h"
 #include "modules/KrRxGuardedCall.h"
 #include "modules/KrRxImpDynamicLinker.h"
 #include "modules/KrRxImportBinding.h"
 #include "runtime/KrRxCoreClass.h"
+#include "runtime/KrRxCurrentModule.h"
 #include "runtime/KrRxGrowArray.h"
 #include "runtime/KrRxImpClass.h"
 #include "runtime/KrRxImpDictionary.h"
@@ -28,10 +30,26 @@
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxGenHand, KrRxGenVoid)
 
-KrRxGenHand* KrRxGenHand::mCurModule = nullptr;
-KrRx::AppMsgCode KrRxGenHand::mCurMsgCode = KrRx::kNullMsg;
-
 namespace {
+
+const wchar_t* runningModuleName() {
+  KrRxGenHand* module = KrRxGenHand::curModule();
+  return module ? module->FileName() : nullptr;
+}
+
+// What the runtime asks of a module record: deleting a class in its module's
+// context, and counting the application names of the module's classes.
+const KrRxModuleCalls moduleCalls = {
+    [](KrRxGenHand* module, void (*function)(void*), void* argument) {
+      return module->executeInAppContext(function, argument);
+    },
+    [](KrRxGenHand* module, const wchar_t* name) { module->addLogicalAppName(name); },
+    [](KrRxGenHand* module, const wchar_t* name) { module->removeLogicalAppName(name); },
+};
+
+// Diagnostics name the running module; the runtime reaches module records.
+[[maybe_unused]] const bool lowerFloorsReachModules =
+    (krSetModuleNameSource(runningModuleName), krrxSetModuleCalls(&moduleCalls));
 
 constexpr DWORD kPathCapacity = 2048;
 

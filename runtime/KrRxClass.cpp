@@ -6,9 +6,9 @@
 
 #include "krdiagnostics.h"
 #include "krrxdictionary.h"
-#include "krrxsystem.h"
-#include "krrxgenhand.h"
+#include "runtime/KrRxClassDictionary.h"
 #include "runtime/KrRxCoreClass.h"
+#include "runtime/KrRxCurrentModule.h"
 #include "runtime/KrRxImpClass.h"
 
 static_assert(sizeof(KrRxClass) == 2 * sizeof(void*), "a descriptor holds only its implementation pointer");
@@ -128,11 +128,11 @@ KrRxClass* newKrRxClass(const wchar_t* name, const wchar_t* parentName, int vers
 }
 
 void krrxBuildClassHierarchy() {
-  if (KrRxGenHand::curMsgCode() == KrRx::kAppMsgUnload) return;
+  if (krrxCurrentMessage == KrRx::kAppMsgUnload) return;
   if (sysClasses) KrRxImpClass::connectNewClasses(sysClasses);
 }
 
 void deleteKrRxClass(KrRxClass* cls) {
-  if (!cls || KrRxGenHand::curMsgCode() != KrRx::kAppMsgUnload) return;
+  if (!cls || krrxCurrentMessage != KrRx::kAppMsgUnload) return;
   KrRxImpClass::deleteClass(cls);
 }

@@ -9,12 +9,11 @@
 
 #include "krdiagnostics.h"
 #include "krrxdictionary.h"
-#include "krrxgenhand.h"
 #include "krrxiterator.h"
-#include "krrxoverrule.h"
-#include "krrxprotocolreactor.h"
 #include "krrxset.h"
-#include "krrxsystem.h"
+#include "runtime/KrRxClassAttachments.h"
+#include "runtime/KrRxClassDictionary.h"
+#include "runtime/KrRxCurrentModule.h"
 #include "runtime/KrRxImpSet.h"
 
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
@@ -58,7 +57,7 @@ KrRxImpClass::KrRxImpClass(KrRxClass* owner, const wchar_t* name, const wchar_t*
                            KrRxPseudoConstructor pseudoConstructor, KrRxMemberBuilder memberBuilder,
                            void* memberBuilderData)
     : mpOwner(owner),
-      mpModule(KrRxGenHand::curModule()),
+      mpModule(krrxCurrentModule),
       mDictionaryId(0),
       mpName(copyText(name)),
       mpParentName(copyText(parentName)),
@@ -86,9 +85,7 @@ KrRxImpClass::~KrRxImpClass() {
   for (int32_t i = 0; i < newClasses.count; ++i)
     if (newClasses.data[i] == this) newClasses.data[i] = nullptr;
   if (mProtocolIndex > 0) protocolClasses.data[mProtocolIndex] = nullptr;
-  delete mpReactorManager;
-  // The overrule list the library attached to this class goes with it.
-  delete ownX(KrRxOverruleInternals::desc());
+  krrxReleaseClassAttachments(this);
   if (mpInfo != &sEmptyInfo) {
     __krFree(mpInfo->appName);
     __krFree(mpInfo->dxfName);
@@ -186,7 +183,7 @@ bool KrRxImpClass::connect(KrRxDictionary* dictionary) {
     if (!mpPeTable) throw std::bad_alloc();
     *mpPeTable = {this, {}};
   }
-  if (const wchar_t* appName = mpModule ? logicalAppName() : nullptr) mpModule->addLogicalAppName(appName);
+  if (const wchar_t* appName = mpModule ? logicalAppName() : nullptr) krrxAddModuleAppName(mpModule, appName);
   return true;
 }
 
@@ -202,7 +199,7 @@ bool KrRxImpClass::disconnect(KrRxDictionary* dictionary) {
     dictionary->remove(mDictionaryId);
     mDictionaryId = 0;
   }
-  if (const wchar_t* appName = mpModule ? logicalAppName() : nullptr) mpModule->removeLogicalAppName(appName);
+  if (const wchar_t* appName = mpModule ? logicalAppName() : nullptr) krrxRemoveModuleAppName(mpModule, appName);
   return true;
 }
 
@@ -247,19 +244,13 @@ void deleteInOwnContext(void* cls) { KrRxImpClass::deleteClass(static_cast<KrRxC
 
 void KrRxImpClass::deleteClass(KrRxClass* cls) {
   KrRxImpClass* imp = cls->impObj();
-  if (imp->mpModule == KrRxGenHand::curModule()) {
+  if (imp->mpModule == krrxCurrentModule) {
     for (int32_t i = 0; i < deletedClasses.count; ++i)
       if (deletedClasses.data[i] == imp) return;
     deletedClasses.append(imp);
     return;
   }
-  if (imp->mpModule) {
-    imp->mpModule->executeInAppContext(deleteInOwnContext, cls);
-    return;
-  }
-  KrRxGenHand* resumed = KrRxGenHand::setCurModule(nullptr);
-  deleteInOwnContext(cls);
-  KrRxGenHand::setCurModule(resumed);
+  krrxRunInModuleContext(imp->mpModule, deleteInOwnContext, cls);
 }
 
 void KrRxImpClass::clearDeletedClassesArray() {

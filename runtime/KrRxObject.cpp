@@ -5,7 +5,7 @@
 #include "krdiagnostics.h"
 #include "krrxclass.h"
 #include "krrxdictionary.h"
-#include "krrxsystem.h"
+#include "runtime/KrRxClassDictionary.h"
 #include "runtime/KrRxImpClass.h"
 
 KrRxObject::~KrRxObject() = default;
@@ -70,6 +70,8 @@ KR1ST_API KrRxObject* krrxExportedQueryX(const KrRxObject* object, const KrRxCla
 KrRxObject* krrxExportedQueryX(const KrRxObject* object, const KrRxClass* protocolClass) {
   return object->queryX(protocolClass);
 }
+
+KrRxDictionary* sysClasses = nullptr;
 
 KrRxClass* krrxFindKrRxClass(const wchar_t* name) {
   return sysClasses ? static_cast<KrRxClass*>(sysClasses->at(name)) : nullptr;

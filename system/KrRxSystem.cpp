@@ -27,6 +27,7 @@
 #include "reflection/KrRfImpSymbolIterator.h"
 #include "reflection/KrRfReflectionService.h"
 #include "runtime/KrRxCoreClass.h"
+#include "runtime/KrRxClassDictionary.h"
 #include "runtime/KrRxImpClass.h"
 #include "runtime/KrRxImpDictionary.h"
 #include "runtime/KrRxImpDictionaryIterator.h"
@@ -36,7 +37,6 @@
 #include "values/KrVtValueClasses.h"
 
 KrRxDictionary* sysRegistry = nullptr;
-KrRxDictionary* sysClasses = nullptr;
 KrRxKernel* sysKernel = nullptr;
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include "values/KrVtValueClasses.h"
 
-#include "foundation/KrRxTextStringFormattable.h"
+#include "values/KrRxTextStringFormattable.h"
 #include "krrfarray.h"
 #include "krrfproxy.h"
 #include "krrfrangecheck.h"

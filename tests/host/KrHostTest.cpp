@@ -13,6 +13,7 @@
 #include "KrTestFiles.h"
 
 using ::testing::Contains;
+using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -287,6 +288,13 @@ TEST(HostDemoTest, DemoLoadsGreetsAndUnloadsTheSamples) {
   EXPECT_NE(run.out.find("Overruling: off", on), std::string::npos) << "off again once shapes.krx is unloaded";
   EXPECT_THAT(run.out, HasSubstr("  greeter.kra: unloaded"));
   EXPECT_THAT(run.out, HasSubstr("  unloaded: shapes.krx"));
+
+  size_t tree = run.out.find("Class tree (");
+  EXPECT_GT(tree, run.out.find("every module loaded")) << "the tree is printed with the samples loaded";
+  EXPECT_EQ(run.out.find("Class tree (", tree + 1), std::string::npos) << "and only once";
+  EXPECT_THAT(run.out, ContainsRegex("\n    KrSampleGreeting +greeter\\.kra\n"));
+  EXPECT_THAT(run.out, ContainsRegex("\n    KrRxTextString .* -\n")) << "a runtime class is marked by no module";
+  EXPECT_THAT(run.out, ContainsRegex("\n  services +SampleGreeterService, SampleShapeService\n"));
 }
 
 }  // namespace

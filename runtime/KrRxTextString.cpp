@@ -6,7 +6,6 @@
 #include <cstring>
 #include <cwchar>
 
-#include "foundation/KrRxTextStringFormattable.h"
 #include "runtime/KrRxCoreClass.h"
 
 KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxTextString, KrRxObject)
@@ -101,25 +100,3 @@ wchar_t* KrRxTextString::cpyToAscii() const {
 void KrRxTextString::initStrData() { mText.clear(); }
 
 void KrRxTextString::killStrData() { mText.clear(); }
-
-// KrRxTextStringFormattable
-
-Kesu::ErrorStatus KrRxTextStringFormattable::toText(const KrRxObject* object, wchar_t*& text,
-                                                    const KrRxFormatContext*) {
-  const KrRxTextString* string = KrRxTextString::cast(object);
-  if (!string) return Kesu::eInvalidInput;
-  wchar_t* copy = string->cpyToAscii();
-  if (!copy) return Kesu::eOutOfMemory;
-  text = copy;
-  return Kesu::eOk;
-}
-
-Kesu::ErrorStatus KrRxTextStringFormattable::fromText(KrRxObject* object, const wchar_t* text,
-                                                      const KrRxFormatContext*) {
-  KrRxTextString* string = KrRxTextString::cast(object);
-  if (!string || !text) return Kesu::eInvalidInput;
-  string->cpyFromAscii(text);
-  return Kesu::eOk;
-}
-
-KRRX_CORE_CONS_DEFINE_MEMBERS(KrRxTextStringFormattable, KrRxFormattablePE)
