@@ -84,21 +84,18 @@ void benchSymbols(std::vector<Member*>& members) {
 
   std::map<std::wstring, KrRfSymbol*> all;
   for (Member* member : members) all.emplace(member->name(), member);
-  const double count = 3.0 * kPerClass;
-  double walk = bench::nsPerCall(
+  bench::sideBySide(
+      "iteration, 3 levels x 100, whole walk",
       [&](long long) {
         KrRfSymbolIterator* it = pe->newSymbolIterator(nullptr);
         for (; !it->done(); it->next()) bench::keep(it->symbol());
         delete it;
       },
-      2000);
-  double mapWalk = bench::nsPerCall(
+      "std::map walk, 300 entries",
       [&](long long) {
         for (const auto& entry : all) bench::keep(entry.second);
       },
       2000);
-  bench::report("iteration, 3 levels x 100, per symbol", walk / count, "std::map walk, 300, per entry",
-                mapWalk / count);
 }
 
 void benchFormat() {

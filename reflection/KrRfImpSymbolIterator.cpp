@@ -8,6 +8,7 @@
 #include "krrxdictionary.h"
 #include "reflection/KrRfImpReflectionPE.h"
 #include "runtime/KrRxCoreClass.h"
+#include "runtime/KrRxImpDictionaryIterator.h"
 
 KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRfSymbolIterator, KrRxIterator)
 KRRX_CORE_NO_CONS_DEFINE_MEMBERS(KrRfImpSymbolIterator, KrRfSymbolIterator)
@@ -69,27 +70,29 @@ void KrRfImpSymbolIterator::collectOwn(const KrRfImpReflectionPE* start, const K
 
 bool KrRfImpSymbolIterator::openFromIndex() {
   for (; mIndex < mExtensions.count; ++mIndex) {
-    mpSymbols = mExtensions.data[mIndex]->symbols().newIterator(KrRx::kDictById);
+    const KrRxImpDictionary* symbols = &mExtensions.data[mIndex]->symbols();
+    if (mpSymbols)
+      mpSymbols->restartOn(symbols);
+    else
+      mpSymbols = new KrRxImpDictionaryIterator(symbols, KrRx::kDictById);
     if (!mpSymbols->done()) return true;
-    delete mpSymbols;
-    mpSymbols = nullptr;
   }
   return false;
 }
 
-bool KrRfImpSymbolIterator::done() const { return !mpSymbols; }
+bool KrRfImpSymbolIterator::done() const { return mIndex >= mExtensions.count; }
 
 bool KrRfImpSymbolIterator::next() {
-  if (!mpSymbols) return false;
-  if (mpSymbols->next()) return true;
-  delete mpSymbols;
-  mpSymbols = nullptr;
+  if (done()) return false;
+  if (mpSymbols->nextEntry()) return true;
   ++mIndex;
   return openFromIndex();
 }
 
-KrRxObject* KrRfImpSymbolIterator::object() const { return mpSymbols ? mpSymbols->object() : nullptr; }
+KrRxObject* KrRfImpSymbolIterator::object() const {
+  return done() ? nullptr : mpSymbols->entryObject();
+}
 
 KrRxClass* KrRfImpSymbolIterator::currentClass() const {
-  return mpSymbols ? mExtensions.data[mIndex]->ownerClass() : nullptr;
+  return done() ? nullptr : mExtensions.data[mIndex]->ownerClass();
 }

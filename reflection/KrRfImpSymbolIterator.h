@@ -5,7 +5,7 @@
 #include "krrfreflection.h"
 #include "runtime/KrRxGrowArray.h"
 
-class KrRxDictionaryIterator;
+class KrRxImpDictionaryIterator;
 class KrRfImpReflectionPE;
 
 class KR1ST_API KrRfImpSymbolIterator : public KrRfSymbolIterator {
@@ -26,12 +26,15 @@ class KR1ST_API KrRfImpSymbolIterator : public KrRfSymbolIterator {
  private:
   void collectChain(const KrRfImpReflectionPE* start);
   void collectOwn(const KrRfImpReflectionPE* start, const KrRxClass* cls);
-  // Opens the first extension from mIndex on that has symbols; false at the end.
+  // Opens the first extension from mIndex on that has symbols, reusing the one
+  // dictionary iterator; false at the end.
   bool openFromIndex();
 
   KrRxGrowArray<const KrRfImpReflectionPE*> mExtensions;
   int32_t mIndex;
-  KrRxDictionaryIterator* mpSymbols;
+  // Made for the first extension and moved on to the others; done once mIndex
+  // has passed the last extension.
+  KrRxImpDictionaryIterator* mpSymbols;
 
   friend struct KrRfImpSymbolIteratorLayout;
 };

@@ -15,30 +15,26 @@ KrRxImpDictionaryIterator::~KrRxImpDictionaryIterator() {
   if (inKeyOrder()) mpDictionary->closeKeyOrder();
 }
 
-unsigned int KrRxImpDictionaryIterator::idAtPosition() const {
-  if (!inKeyOrder()) return mPosition;
-  const KrRxGrowArray<uint32_t>& index = mpDictionary->mKeyIndex;
-  return mPosition < uint32_t(index.count) ? index.data[mPosition] : 0;
+void KrRxImpDictionaryIterator::restartOn(const KrRxImpDictionary* dictionary) {
+  if (inKeyOrder()) {
+    dictionary->openKeyOrder();
+    mpDictionary->closeKeyOrder();
+  }
+  mpDictionary = dictionary;
+  mPosition = 0;
+  advance();
 }
 
-void KrRxImpDictionaryIterator::advance() {
-  do {
-    if (++mPosition >= uint32_t(mpDictionary->mEntries.count)) {
-      mPosition = 0;
-      return;
-    }
-  } while (!mpDictionary->mEntries.data[idAtPosition()].key);
-}
+unsigned int KrRxImpDictionaryIterator::idAtPosition() const { return idAt(); }
+
+void KrRxImpDictionaryIterator::advance() { step(); }
 
 bool KrRxImpDictionaryIterator::done() const { return mPosition == 0; }
 
-bool KrRxImpDictionaryIterator::next() {
-  advance();
-  return !done();
-}
+bool KrRxImpDictionaryIterator::next() { return nextEntry(); }
 
-KrRxObject* KrRxImpDictionaryIterator::object() const { return mpDictionary->mEntries.data[id()].object; }
+KrRxObject* KrRxImpDictionaryIterator::object() const { return entryObject(); }
 
-const wchar_t* KrRxImpDictionaryIterator::key() const { return mpDictionary->mEntries.data[id()].key; }
+const wchar_t* KrRxImpDictionaryIterator::key() const { return mpDictionary->mEntries.data[idAtPosition()].key; }
 
 unsigned int KrRxImpDictionaryIterator::id() const { return idAtPosition(); }

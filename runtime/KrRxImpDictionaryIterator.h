@@ -6,8 +6,7 @@
 #include <cstdint>
 
 #include "krrxdictionary.h"
-
-class KrRxImpDictionary;
+#include "runtime/KrRxImpDictionary.h"
 
 class KR1ST_API KrRxImpDictionaryIterator : public KrRxDictionaryIterator {
   KRRX_DECLARE_MEMBERS(KrRxImpDictionaryIterator);
@@ -18,6 +17,16 @@ class KR1ST_API KrRxImpDictionaryIterator : public KrRxDictionaryIterator {
   KrRxImpDictionaryIterator(const KrRxImpDictionaryIterator&) = delete;
   KrRxImpDictionaryIterator& operator=(const KrRxImpDictionaryIterator&) = delete;
   ~KrRxImpDictionaryIterator() override;
+
+  // Walks dictionary instead, from its first entry, in the same order; lets
+  // one iterator serve several dictionaries in turn without a new allocation.
+  void restartOn(const KrRxImpDictionary* dictionary);
+  // next() and object() inline, for walks that know this class.
+  bool nextEntry() {
+    step();
+    return mPosition != 0;
+  }
+  KrRxObject* entryObject() const { return mpDictionary->mEntries.data[idAt()].object; }
 
   bool done() const override;
   // Moves to the next entry; false when the walk has ended. On an ended
@@ -33,6 +42,20 @@ class KR1ST_API KrRxImpDictionaryIterator : public KrRxDictionaryIterator {
   // The id at a position: the position itself in id order, the key index
   // element in key order (0 beyond the index). Position 0 gives id 0.
   unsigned int idAtPosition() const;
+  // advance() and idAtPosition() inline.
+  void step() {
+    do {
+      if (++mPosition >= uint32_t(mpDictionary->mEntries.count)) {
+        mPosition = 0;
+        return;
+      }
+    } while (!mpDictionary->mEntries.data[idAt()].key);
+  }
+  unsigned int idAt() const {
+    if (!inKeyOrder()) return mPosition;
+    const KrRxGrowArray<uint32_t>& index = mpDictionary->mKeyIndex;
+    return mPosition < uint32_t(index.count) ? index.data[mPosition] : 0;
+  }
 
   const KrRxImpDictionary* mpDictionary;
   KrRx::DictIterType mType;

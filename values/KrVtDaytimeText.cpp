@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cwctype>
 
 #include "values/KrVtDayValue.h"
 #include "values/KrVtText.h"
@@ -71,6 +72,32 @@ KrVtText::Composer& writeTime(KrVtText::Composer& composer, const Parts& p, Prec
   return composer;
 }
 
+// Reads numbers and literal characters as the C runtime's wide scan reads
+// "%hd", "%hu" and a literal of its format, without the format machinery.
+class FieldScanner {
+ public:
+  explicit FieldScanner(const wchar_t* text) : mAt(text) {}
+
+  // White space, an optional sign and decimal digits, kept modulo 2^16 as the
+  // scan's 16-bit store keeps them; false (with the sign consumed) when no digit follows.
+  bool number(unsigned short& v) {
+    while (!isDigit(*mAt) && *mAt != L'-' && *mAt != L'+' && *mAt && std::iswspace(*mAt)) ++mAt;
+    bool negative = *mAt == L'-';
+    if (negative || *mAt == L'+') ++mAt;
+    if (!isDigit(*mAt)) return false;
+    unsigned short read = 0;
+    for (; isDigit(*mAt); ++mAt) read = static_cast<unsigned short>(read * 10 + (*mAt - L'0'));
+    v = negative ? static_cast<unsigned short>(-read) : read;
+    return true;
+  }
+  // True, consuming it, when the next character is c.
+  bool literal(wchar_t c) { return *mAt == c && (++mAt, true); }
+
+ private:
+  static bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+  const wchar_t* mAt;
+};
+
 }  // namespace
 
 Kesu::ErrorStatus dateTimeToText(double v, wchar_t*& text) {
@@ -103,16 +130,18 @@ Kesu::ErrorStatus timeToText(double v, wchar_t*& text) {
 Kesu::ErrorStatus dateTimeFromText(double& v, const wchar_t* text) {
   if (!text) return Kesu::eInvalidInput;
   if (KrVtText::readSpecialText(text, KrVtText::kUnsetAndInfinity, v)) return Kesu::eOk;
-  short year = 0;
-  unsigned short month = 0, day = 0, hour = 0, minute = 0, second = 0, millisecond = 0;
-  int read = __ms_swscanf(text, L"%hd-%hu-%huT%hu:%hu:%hu.%huZ", &year, &month, &day, &hour, &minute, &second,
-                          &millisecond);
-  if (read <= 0) return Kesu::eInvalidInput;
-  if (read < 2) month = 1;
-  if (read < 3) day = 1;
+  // "%hd-%hu-%huT%hu:%hu:%hu.%hu": year, month, day, hour, minute, second, millisecond.
+  static const wchar_t kSeparators[] = L"--T::.";
+  unsigned short fields[7] = {0, 1, 1, 0, 0, 0, 0};
+  FieldScanner scanner(text);
+  int read = 0;
+  while (read < 7 && scanner.number(fields[read]) && ++read < 7 && scanner.literal(kSeparators[read - 1])) {
+  }
+  if (read == 0) return Kesu::eInvalidInput;
   double result = v;
-  Kesu::ErrorStatus status = KrVtDay::setDate(result, year, short(month), short(day));
-  if (status == Kesu::eOk) status = KrVtDay::setTime(result, short(hour), short(minute), short(second), short(millisecond));
+  Kesu::ErrorStatus status = KrVtDay::setDate(result, short(fields[0]), short(fields[1]), short(fields[2]));
+  if (status == Kesu::eOk)
+    status = KrVtDay::setTime(result, short(fields[3]), short(fields[4]), short(fields[5]), short(fields[6]));
   if (status == Kesu::eOk) v = result;
   return status;
 }

@@ -2,7 +2,8 @@
 // The text forms of dates, times and date-times, on the day value itself.
 // Writing: "*" for the unset value, U+221E for +infinity, else the kind's
 // format printed by the C runtime. Reading: the same two special texts, else
-// the kind's scan format read by the C runtime's swscanf. Texts are wide and
+// the kind's scan format as the C runtime's swscanf reads it (date-times by a
+// scanner of our own that reads exactly what that scan reads). Texts are wide and
 // written into new CRT heap blocks that the caller frees with free().
 
 #include "krerrorstatus.h"

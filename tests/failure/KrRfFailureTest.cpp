@@ -83,9 +83,9 @@ TEST(KrRfFailureTest, TemplatesLoseWholePlaceholdersOnly) {
   krRunFailurePoints("krrfFormatString", [&](KrAllocationFailure& failure) {
     wchar_t* result = nullptr;
     Kesu::ErrorStatus status = Kesu::eNotApplicable;
-    if (failure.run([&] { status = krrfFormatString(format.c_str(), &door, result); })) EXPECT_EQ(status, Kesu::eOk);
-    if (result) EXPECT_EQ(allowed.count(result), 1u) << result;
-    if (!failure.reached()) EXPECT_EQ(std::wstring(result ? result : L"-"), fullText);
+    if (failure.run([&] { status = krrfFormatString(format.c_str(), &door, result); })) { EXPECT_EQ(status, Kesu::eOk); }
+    if (result) { EXPECT_EQ(allowed.count(result), 1u) << result; }
+    if (!failure.reached()) { EXPECT_EQ(std::wstring(result ? result : L"-"), fullText); }
     free(result);
   });
 }
@@ -123,7 +123,7 @@ TEST(KrRfFailureTest, SymbolsOverrulesAndProtocolReactors) {
       for (; !it->done(); it->next()) ++walked;
     });
     EXPECT_EQ(pe->findSymbol(L"failPoint"), status == Kesu::eOk ? &symbol : nullptr);
-    if (pe->findSymbol(L"failPoint")) EXPECT_EQ(pe->removeSymbol(&symbol), Kesu::eOk);
+    if (pe->findSymbol(L"failPoint")) { EXPECT_EQ(pe->removeSymbol(&symbol), Kesu::eOk); }
     EXPECT_NE(pe->findSymbol(L"width"), nullptr);
   }, [&] { return static_cast<long long>(static_cast<KrRfImpReflectionPE*>(pe)->symbols().entryBlockBytes()); });
   // A class of its own for each try, so that its overrule list and reactor

@@ -42,8 +42,10 @@ void expectConsistent(const KrRxImpDictionary& dictionary, int keyless) {
   size_t walked = 0;
   std::wstring previous;
   for (; !keys->done(); keys->next(), ++walked) {
-    if (walked) EXPECT_LT(dictionary.isCaseSensitive() ? wcscmp(previous.c_str(), keys->key())
-                                                         : _wcsicmp(previous.c_str(), keys->key()), 0);
+    if (walked) {
+      EXPECT_LT(dictionary.isCaseSensitive() ? wcscmp(previous.c_str(), keys->key())
+                                             : _wcsicmp(previous.c_str(), keys->key()), 0);
+    }
     previous = keys->key();
   }
   EXPECT_EQ(walked, byId.size());
@@ -76,7 +78,7 @@ TEST(KrRxDictionaryFailureTest, FillingLeavesEveryEarlierKeyAndNoKeylessPosition
       }
       EXPECT_LE(keyless, failure.reached() ? 1 : 0);
       expectConsistent(*dictionary, keyless);
-      if (!failure.reached()) EXPECT_EQ(dictionary->numEntries(), unsigned(kKeys));
+      if (!failure.reached()) { EXPECT_EQ(dictionary->numEntries(), unsigned(kKeys)); }
     });
     EXPECT_GT(points.tried, 0);
   }
@@ -103,7 +105,7 @@ TEST(KrRxDictionaryFailureTest, ChangesHappenWholeOrNotAtAll) {
       EXPECT_FALSE(dictionary->has(renamed ? keyOf(3).c_str() : L"Renamed"));
       EXPECT_EQ(dictionary->idAt(L"Placed"), placed ? 90u : 0u);
       EXPECT_EQ(dictionary->at(keyOf(4).c_str()), &gObjects[kKeys]);
-      if (!failure.reached()) EXPECT_TRUE(renamed && placed);
+      if (!failure.reached()) { EXPECT_TRUE(renamed && placed); }
       expectConsistent(*dictionary, 0);
       EXPECT_EQ(dictionary->numEntries(), unsigned(kKeys - 2 + placed));
     });

@@ -26,7 +26,7 @@ void expectModuleState(bool loaded) {
   EXPECT_EQ(GetModuleHandleW(kModule) != nullptr, loaded) << "mapped while the table says otherwise";
   KrRxClass* circle = krrxFindKrRxClass(L"SoakCircle");
   EXPECT_EQ(circle != nullptr, loaded);
-  if (circle) EXPECT_EQ(circle->myParent(), krrxFindKrRxClass(L"SoakShape"));
+  if (circle) { EXPECT_EQ(circle->myParent(), krrxFindKrRxClass(L"SoakShape")); }
   EXPECT_EQ(krrxServiceIsRegistered(L"SoakService"), loaded);
   EXPECT_EQ(krTestLinker()->numberOfAppsLoaded(), loaded ? 1u : 0u);
 }
@@ -51,8 +51,9 @@ void makeRoomForMessages() {
 
 // Unloads the module the way it was loaded: by command or by reference.
 void unloadForGood() {
-  if (auto* module = static_cast<KrRxGenHand*>(krTestLinker()->moduleHandlePtr(kModule)))
+  if (auto* module = static_cast<KrRxGenHand*>(krTestLinker()->moduleHandlePtr(kModule))) {
     EXPECT_TRUE(krrxUnloadModule(kModule, module->uiValue()));
+  }
   krdbTestClearMessages();
   expectModuleState(false);
 }
@@ -64,7 +65,7 @@ TEST(KrRxModuleFailureTest, ALoadThatRunsOutOfMemoryFailsAndLeavesNothingMapped)
     bool loaded = false;
     bool completed = failure.run([&] { loaded = krrxLoadModule(path.c_str(), true, false); });
     expectLoadOutcome(loaded, completed, path);
-    if (!failure.reached()) EXPECT_TRUE(loaded);
+    if (!failure.reached()) { EXPECT_TRUE(loaded); }
     unloadForGood();
   }, krSystemTableBytes);
 }
@@ -124,7 +125,7 @@ TEST(KrRxModuleFailureTest, DemandLoading) {
     bool loaded = false;
     EXPECT_TRUE(failure.run([&] { loaded = krrxLoadApp(RegisteredApplication::kName, true); }));
     expectModuleState(loaded);
-    if (loaded) EXPECT_TRUE(krrxUnloadApp(RegisteredApplication::kName, true));
+    if (loaded) { EXPECT_TRUE(krrxUnloadApp(RegisteredApplication::kName, true)); }
     unloadForGood();
   }, krSystemTableBytes);
 }

@@ -35,8 +35,9 @@ TEST(KrRxRuntimeFailureTest, ClassTreesAndExtensions) {
       EXPECT_EQ(shape->myParent(), KrRxObject::desc());
       EXPECT_EQ(circle->queryX(KrRxService::desc()), &extension);
     }
-    if (shape && failure.run([&] { shape->delX(KrRxService::desc()); }))
+    if (shape && failure.run([&] { shape->delX(KrRxService::desc()); })) {
       EXPECT_EQ(circle ? circle->queryX(KrRxService::desc()) : nullptr, nullptr);
+    }
     if (shape) shape->delX(KrRxService::desc());
     if (circle) KrRxImpClass::deleteClass(circle);
     if (shape) KrRxImpClass::deleteClass(shape);
@@ -65,7 +66,7 @@ TEST(KrRxRuntimeFailureTest, SetsListsAndServices) {
     unsigned int walked = 0;
     for (; !it->done(); it->next(), ++walked) EXPECT_EQ(it->object(), &members[walked]);
     EXPECT_EQ(list.numEntries(), walked);
-    if (!failure.reached()) EXPECT_EQ(inSet + walked, 12u);
+    if (!failure.reached()) { EXPECT_EQ(inSet + walked, 12u); }
   });
   // Ids are never reused: the service dictionary grows by design.
   auto* services = KrRxImpDictionary::cast(krrxSysRegistry()->at(L"ServiceDictionary"));
@@ -98,7 +99,7 @@ TEST(KrRxRuntimeFailureTest, StringsAndUniqueStrings) {
                 copyText == L"Level 12")
         << copyText;
     EXPECT_TRUE(number.isEmpty() || number.asDeci(0) == 42);
-    if (!failure.reached()) EXPECT_STREQ(copy.kwszPtr(), L"Level 12");
+    if (!failure.reached()) { EXPECT_STREQ(copy.kwszPtr(), L"Level 12"); }
   });
   // Every try interns a name of its own; the table keeps each name for the
   // process's life, so its growth is all by design.
@@ -109,7 +110,7 @@ TEST(KrRxRuntimeFailureTest, StringsAndUniqueStrings) {
     bool completed = failure.run([&] { interned = KrUniqueString::Intern(name.c_str()); });
     const KrUniqueString* again = KrUniqueString::Intern(name.c_str());
     EXPECT_NE(again, nullptr);
-    if (completed) EXPECT_EQ(interned, again);
+    if (completed) { EXPECT_EQ(interned, again); }
   }, [] { return static_cast<long long>(krBusyHeapBytes()); });
 }
 

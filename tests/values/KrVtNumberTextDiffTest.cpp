@@ -256,3 +256,37 @@ TEST(KrVtNumberTextDiff, NumberKindsReadWhatTheScanReads) {
 }
 
 }  // namespace
+
+// Date-time texts as written, with fields out of range, then mutated with the
+// characters that steer the scan (digits, separators, signs, white space of
+// several kinds, a full-width digit), digit runs beyond 16 bits and cuts;
+// read into model and universal values and compared with the scan's fields.
+TEST(KrVtNumberTextDiff, DateTimesReadWhatTheScanReads) {
+  static constexpr const wchar_t* kUnits[] = {L"7",  L"0", L"-", L"T", L":", L".", L"Z", L"+", L" ", L"\t",
+                                              L"\u00A0", L"\u3000", L"\u001C", L"\uFF11", L"x", L"65537",
+                                              L"123456789012345678901"};
+  std::mt19937_64 random(11);
+  for (long long i = valuesPerKind(); i > 0; --i) {
+    std::wstring text = printed(L"%04hd-%02hu-%02huT%02hu:%02hu:%02hu.%03huZ", short(random() % 12000 - 5000),
+                                unsigned(random() % 14), unsigned(random() % 33), unsigned(random() % 25),
+                                unsigned(random() % 61), unsigned(random() % 61), unsigned(random() % 10001));
+    for (int edits = int(random() % 4); edits > 0; --edits) {
+      size_t at = random() % (text.size() + 1);
+      if (random() % 3) text.insert(at, kUnits[random() % (sizeof kUnits / sizeof *kUnits)]);
+      else text.resize(at);
+    }
+    double start = random() % 2 ? 2460000.25 : -2460000.25;
+    short year = 0;
+    unsigned short fields[6] = {};
+    int read = __ms_swscanf(text.c_str(), L"%hd-%hu-%huT%hu:%hu:%hu.%huZ", &year, &fields[0], &fields[1],
+                            &fields[2], &fields[3], &fields[4], &fields[5]);
+    KrVtDateTime expected(start), scratch(start);
+    Kesu::ErrorStatus status = read <= 0 ? Kesu::eInvalidInput
+                                         : scratch.setDate(year, read < 2 ? 1 : fields[0], read < 3 ? 1 : fields[1]);
+    if (status == Kesu::eOk) status = scratch.setTime(fields[2], fields[3], fields[4], fields[5]);
+    if (status == Kesu::eOk) expected = scratch;
+    KrVtDateTime moment(start);
+    ASSERT_EQ(krrxParseObject(&moment, text.c_str(), nullptr), status) << text;
+    ASSERT_EQ(memcmp(&moment.value(), &expected.value(), sizeof(double)), 0) << text;
+  }
+}
