@@ -246,6 +246,7 @@ TEST(KrRfFormatString, TheComposedTextStopsAtTheLimit) {
   EXPECT_EQ(formatted((filled + L"%<name>%").c_str(), &front), filled + L"front");
   EXPECT_EQ(formatted((filled + L"%<name>%%<name>%tail").c_str(), &front), filled + L"front");
   EXPECT_EQ(formatted((exact + L"more").c_str(), &front), exact);
+  EXPECT_EQ(formatted((L"%<name>%" + filled + L"%<name>%").c_str(), &front), L"front" + filled);
 }
 
 TEST(KrRfFormatString, TheContextReachesEveryFormattable) {
