@@ -1,9 +1,11 @@
 #include "reflection/KrRfEvaluateString.h"
 
 #include <cwchar>
+#include <new>
 
 #include "krrfformat.h"
 #include "krrfproxy.h"
+#include "krrfvalue.h"
 #include "krrxclass.h"
 #include "reflection/KrRfImpReflectionPE.h"
 #include "reflection/KrRfTextCopy.h"
@@ -18,19 +20,19 @@ const KrRfProperty* propertyFor(const KrRxClass* cls, const wchar_t* name) {
 }
 
 // Reads the property name on object into a value of its value class that
-// make gives; the value is disposed of again when the reading fails.
-Kesu::ErrorStatus readStep(const wchar_t* name, const KrRxObject* object, bool effective, KrRfValueMaker& maker,
+// holder makes; the value is disposed of again when the reading fails.
+Kesu::ErrorStatus readStep(const wchar_t* name, const KrRxObject* object, bool effective, KrRfPathValue& holder,
                            KrRxObject*& value) {
   if (!*name) return Kesu::eInvalidInput;
   const KrRfProperty* property = propertyFor(object->isA(), name);
   if (!property) return Kesu::eKeyNotFound;
   KrRxClass* valueType = property->valueType();
-  KrRxObject* made = valueType ? maker.make(valueType) : nullptr;
+  KrRxObject* made = valueType ? holder.make(valueType) : nullptr;
   if (!made) return Kesu::eNotSupported;
   Kesu::ErrorStatus status = effective ? krrfGetEffectiveValueForObject(property, object, made)
                                        : property->getValue(object, made);
   if (status != Kesu::eOk) {
-    maker.dispose(made);
+    holder.dispose(made);
     return status;
   }
   value = made;
@@ -39,9 +41,9 @@ Kesu::ErrorStatus readStep(const wchar_t* name, const KrRxObject* object, bool e
 
 // Walks the steps of path (split in place at the dots), keeping the proxies
 // of the earlier steps alive until the end since later objects may be theirs.
-Kesu::ErrorStatus walk(wchar_t* path, const KrRxObject* object, bool effective, KrRfValueMaker& last,
+Kesu::ErrorStatus walk(wchar_t* path, const KrRxObject* object, bool effective, KrRfPathValue& last,
                        KrRxObject*& result, KrRxGrowArray<KrRxObject*>& proxies) {
-  KrRfValueMaker heap;
+  KrRfPathValue heap(KrRfPathValue::kHeap);
   wchar_t* step = path;
   for (wchar_t* dot = wcschr(step, L'.'); dot; dot = wcschr(step, L'.')) {
     *dot = 0;
@@ -59,14 +61,35 @@ Kesu::ErrorStatus walk(wchar_t* path, const KrRxObject* object, bool effective, 
 
 }  // namespace
 
-KrRxObject* KrRfValueMaker::make(const KrRxClass* valueType) { return valueType->create(); }
+template <typename T>
+bool KrRfPathValue::makeInPlace(const KrRxClass* valueType, KrRxObject*& value) {
+  static_assert(sizeof(KrRfValueT<T>) <= sizeof mStorage && alignof(KrRfValueT<T>) <= 8, "room for every kind");
+  if (valueType != KrRfValueT<T>::desc()) return false;
+  value = ::new (mStorage) KrRfValueT<T>();
+  return true;
+}
 
-void KrRfValueMaker::dispose(KrRxObject* value) { delete value; }
+KrRxObject* KrRfPathValue::make(const KrRxClass* valueType) {
+  KrRxObject* value = nullptr;
+  if (mPlace == kNumbersInPlace &&
+      (makeInPlace<double>(valueType, value) || makeInPlace<int>(valueType, value) ||
+       makeInPlace<unsigned int>(valueType, value) || makeInPlace<__int64>(valueType, value) ||
+       makeInPlace<unsigned __int64>(valueType, value) || makeInPlace<short>(valueType, value) ||
+       makeInPlace<unsigned short>(valueType, value) || makeInPlace<signed char>(valueType, value) ||
+       makeInPlace<unsigned char>(valueType, value)))
+    return value;
+  return valueType->create();
+}
 
-Kesu::ErrorStatus krrfEvaluatePath(wchar_t* path, const KrRxObject* object, bool effective, KrRfValueMaker& maker,
+void KrRfPathValue::dispose(KrRxObject* value) {
+  if (static_cast<void*>(value) == mStorage) value->~KrRxObject();
+  else delete value;
+}
+
+Kesu::ErrorStatus krrfEvaluatePath(wchar_t* path, const KrRxObject* object, bool effective, KrRfPathValue& holder,
                                    KrRxObject*& value) {
   KrRxGrowArray<KrRxObject*> proxies;
-  Kesu::ErrorStatus status = walk(path, object, effective, maker, value, proxies);
+  Kesu::ErrorStatus status = walk(path, object, effective, holder, value, proxies);
   for (int32_t i = proxies.count - 1; i >= 0; --i) delete proxies.data[i];
   proxies.release();
   return status;
@@ -77,7 +100,7 @@ Kesu::ErrorStatus krrfEvaluateString(const wchar_t* expression, const KrRxObject
   if (!expression || !object) return Kesu::eInvalidInput;
   KrRfTextCopy path(expression, wcslen(expression));
   if (!path.text()) return Kesu::eOutOfMemory;
-  KrRfValueMaker heap;
+  KrRfPathValue heap(KrRfPathValue::kHeap);
   return krrfEvaluatePath(path.text(), object, effective, heap, result);
 }
 

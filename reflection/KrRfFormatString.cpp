@@ -3,9 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
-#include <new>
 
-#include "krrfvalue.h"
 #include "krrxformattable.h"
 #include "reflection/KrRfEvaluateString.h"
 #include "reflection/KrRfTextCopy.h"
@@ -13,41 +11,6 @@
 #include "values/KrVtNumberFormattable.h"
 
 namespace {
-
-// Makes the value of a placeholder in place when its class is one of the
-// plain number kinds, whose texts are written without a heap text; any other
-// class on the heap. Holds one value at a time.
-class PlaceholderValue final : public KrRfValueMaker {
- public:
-  KrRxObject* make(const KrRxClass* valueType) override {
-    KrRxObject* value = nullptr;
-    if (makeInPlace<double>(valueType, value) || makeInPlace<int>(valueType, value) ||
-        makeInPlace<unsigned int>(valueType, value) || makeInPlace<__int64>(valueType, value) ||
-        makeInPlace<unsigned __int64>(valueType, value) || makeInPlace<short>(valueType, value) ||
-        makeInPlace<unsigned short>(valueType, value) || makeInPlace<signed char>(valueType, value) ||
-        makeInPlace<unsigned char>(valueType, value))
-      return value;
-    return KrRfValueMaker::make(valueType);
-  }
-
-  void dispose(KrRxObject* value) override {
-    if (static_cast<void*>(value) == mStorage) value->~KrRxObject();
-    else KrRfValueMaker::dispose(value);
-  }
-
- private:
-  // True, with value made in place, when valueType is exactly the class of T.
-  template <typename T>
-  bool makeInPlace(const KrRxClass* valueType, KrRxObject*& value) {
-    static_assert(sizeof(KrRfValueT<T>) <= sizeof mStorage && alignof(KrRfValueT<T>) <= alignof(Storage), "room");
-    if (valueType != KrRfValueT<T>::desc()) return false;
-    value = ::new (mStorage) KrRfValueT<T>();
-    return true;
-  }
-
-  using Storage = KrRfValueT<__int64>;
-  alignas(Storage) unsigned char mStorage[sizeof(Storage)];
-};
 
 // Composes the text, cutting off whatever would go beyond kKrrfFormatLimit
 // characters. A short text stays in a local buffer (a frame of the full size
@@ -75,11 +38,11 @@ class Composer {
   // nothing when it cannot be had. The plain number kinds write straight
   // into the buffer.
   void appendValue(wchar_t* path, const KrRxObject* object, const KrRxFormatContext* context) {
-    PlaceholderValue maker;
+    KrRfPathValue holder(KrRfPathValue::kNumbersInPlace);
     KrRxObject* value = nullptr;
-    if (krrfEvaluatePath(path, object, true, maker, value) != Kesu::eOk) return;
+    if (krrfEvaluatePath(path, object, true, holder, value) != Kesu::eOk) return;
     if (KrRxFormattablePE* formattable = krrxFormattableOf(value)) appendText(formattable, value, context);
-    maker.dispose(value);
+    holder.dispose(value);
   }
 
   void appendText(KrRxFormattablePE* formattable, const KrRxObject* value, const KrRxFormatContext* context) {
