@@ -80,19 +80,17 @@ bool KrRfImpSymbolIterator::openFromIndex() {
   return false;
 }
 
-bool KrRfImpSymbolIterator::done() const { return mIndex >= mExtensions.count; }
+bool KrRfImpSymbolIterator::done() const { return atEnd(); }
 
 bool KrRfImpSymbolIterator::next() {
-  if (done()) return false;
-  if (mpSymbols->nextEntry()) return true;
+  if (atEnd()) return false;
+  if (mpSymbols->nextById()) return true;
   ++mIndex;
   return openFromIndex();
 }
 
-KrRxObject* KrRfImpSymbolIterator::object() const {
-  return done() ? nullptr : mpSymbols->entryObject();
-}
+KrRxObject* KrRfImpSymbolIterator::object() const { return atEnd() ? nullptr : mpSymbols->objectById(); }
 
 KrRxClass* KrRfImpSymbolIterator::currentClass() const {
-  return done() ? nullptr : mExtensions.data[mIndex]->ownerClass();
+  return atEnd() ? nullptr : mExtensions.data[mIndex]->ownerClass();
 }

@@ -29,6 +29,8 @@ class KR1ST_API KrRfImpSymbolIterator : public KrRfSymbolIterator {
   // Opens the first extension from mIndex on that has symbols, reusing the one
   // dictionary iterator; false at the end.
   bool openFromIndex();
+  // done() without the virtual call, so the operations stay leaf functions.
+  bool atEnd() const { return mIndex >= mExtensions.count; }
 
   KrRxGrowArray<const KrRfImpReflectionPE*> mExtensions;
   int32_t mIndex;
