@@ -65,6 +65,7 @@ KrRxClass* levelClass(int level) {
   return classes[level];
 }
 
+// The caller's loop of every symbol walk measured here.
 void walk(KrRfSymbolIterator* it) {
   for (; !it->done(); it->next()) bench::keep(it->symbol());
 }
