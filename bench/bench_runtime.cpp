@@ -40,6 +40,10 @@ int main() {
   std::printf("Runtime type tests and protocol lookup (best of 5 rounds, ns per call)\n");
   // The protocol class is looked up once, as a caller in a loop would.
   benchQueryXBesidePeers("queryX (inherited from 7 levels up)", object, Probe::desc(), &extension);
+  // A descriptor is an object of a class whose vtable lives in the library.
+  KrRxClass::desc()->addX(Probe::desc(), &extension);
+  benchQueryXBesidePeers("queryX on a library object (a descriptor)", root, Probe::desc(), &extension);
+  KrRxClass::desc()->delX(Probe::desc());
 
   double isKindOf = bench::nsPerCall([&](long long) { bench::keep(object->isKindOf(root)); }, 10000000);
   double dynamicCast = bench::nsPerCall([&](long long) { bench::keep(dynamic_cast<Plain1*>(plain)); }, 10000000);

@@ -32,6 +32,7 @@
 #include "krrxmodulemessages.h"
 #include "krrxobject.h"
 #include "krrxoverrule.h"
+#include "krrxprotocollookup.h"
 #include "krrxprotocolreactor.h"
 #include "krrxservice.h"
 #include "krrxset.h"

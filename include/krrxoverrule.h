@@ -16,6 +16,7 @@
 
 #include "krerrorstatus.h"
 #include "krrxobject.h"
+#include "krrxprotocollookup.h"
 
 template <typename T>
 struct KrRxGrowArray;
@@ -97,10 +98,13 @@ class KR1ST_API KrRxOverruleInternals : public KrRxObject {
   KrRxGrowArray<KrRxOverrule*>* mpOverrules;
 };
 
-// With the switch off queryX is the plain table lookup, inline; with it on
-// the first applicable query overrule decides. Always inlined: the library
-// also exports an out-of-line copy under this name for modules built when
-// queryX was not inline, and no other copy may be emitted beside it.
+// With the switch on the first applicable query overrule decides; with it
+// off the object's subQueryX answers, looked up inline when the class keeps
+// the root's. Always inlined: the library also exports an out-of-line copy
+// under this name for modules built when queryX was not inline, and no other
+// copy may be emitted beside it.
 __attribute__((always_inline)) inline KrRxObject* KrRxObject::queryX(const KrRxClass* protocolClass) const {
-  return KrRxOverruleInternals::mIsOverruling ? overruledQueryX(protocolClass) : subQueryX(protocolClass);
+  if (KrRxOverruleInternals::mIsOverruling) return overruledQueryX(protocolClass);
+  if (KrRxProtocolLookup::keepsDefaultSubQueryX(this)) return KrRxProtocolLookup::entry(isA(), protocolClass);
+  return subQueryX(protocolClass);
 }

@@ -28,6 +28,14 @@ static_assert(offsetof(KrRxImpClass, mpModule) == 16 && offsetof(KrRxImpClass, m
                   offsetof(KrRxImpClass, mExtensions) == 104 && offsetof(KrRxImpClass, mUiContexts) == 128 &&
                   offsetof(KrRxImpClass, mpInfo) == 152 && offsetof(KrRxImpClass, mpReactorManager) == 160,
               "descriptor implementation fields in their fixed order");
+// The inline protocol lookup reads these fields through its own views.
+static_assert(offsetof(KrRxImpClass, mProtocolIndex) == offsetof(KrRxProtocolLookup::Implementation, protocolIndex) &&
+                  offsetof(KrRxImpClass, mpPeTable) == offsetof(KrRxProtocolLookup::Implementation, peTable) &&
+                  offsetof(KrRxProtocolTable, entries) + offsetof(KrRxGrowArray<KrRxObject*>, data) ==
+                      offsetof(KrRxProtocolLookup::Table, entries) &&
+                  offsetof(KrRxProtocolTable, entries) + offsetof(KrRxGrowArray<KrRxObject*>, count) ==
+                      offsetof(KrRxProtocolLookup::Table, count),
+              "the inline lookup's views match the class implementation and its table");
 
 KrRxGrowArray<KrRxImpClass*> KrRxImpClass::newClasses;
 KrRxGrowArray<KrRxImpClass*> KrRxImpClass::deletedClasses;

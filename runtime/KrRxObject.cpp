@@ -35,12 +35,7 @@ bool KrRxObject::isEqualTo(const KrRxObject* other) const { return other == this
 KrRx::Ordering KrRxObject::comparedTo(const KrRxObject*) const { return KrRx::kNotOrderable; }
 
 KrRxObject* KrRxObject::subQueryX(const KrRxClass* protocolClass) const {
-  if (!protocolClass) return nullptr;
-  int32_t index = protocolClass->impObj()->mProtocolIndex;
-  const KrRxProtocolTable* table = isA()->impObj()->mpPeTable;
-  if (!table) return nullptr;
-  return static_cast<uint32_t>(index) < static_cast<uint32_t>(table->entries.count) ? table->entries.data[index]
-                                                                                      : nullptr;
+  return KrRxProtocolLookup::entry(isA(), protocolClass);
 }
 
 bool KrRxObject::isKindOf(const KrRxClass* cls) const {

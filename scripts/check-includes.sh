@@ -38,6 +38,7 @@ krrxiterator.h          runtime
 krrxlinkedlist.h        runtime
 krrxmodulemessages.h    runtime
 krrxobject.h            runtime
+krrxprotocollookup.h    runtime
 krrxset.h               runtime
 krrxtextstring.h        runtime
 krrxformatcontext.h     values

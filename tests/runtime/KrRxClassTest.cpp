@@ -41,12 +41,25 @@ class Uncopyable : public KrRxObject {
 };
 KRRX_CONS_DEFINE_MEMBERS(Uncopyable, KrRxObject)
 
+// A class that answers every protocol with one object of its own.
+class Redirecting : public Point {
+  KRRX_DECLARE_MEMBERS(Redirecting);
+
+ public:
+  KrRxObject* mpAnswer = nullptr;
+
+ protected:
+  KrRxObject* subQueryX(const KrRxClass*) const override { return mpAnswer; }
+};
+KRRX_CONS_DEFINE_MEMBERS(Redirecting, Point)
+
 class Registered : public ::testing::Environment {
  public:
   void SetUp() override {
     Greeter::rxInit();
     Point::rxInit();
     Uncopyable::rxInit();
+    Redirecting::rxInit();
     krrxBuildClassHierarchy();
   }
 };
@@ -179,6 +192,26 @@ TEST(KrRxClassTest, ObjectsFindProtocolObjectsThroughTheirClass) {
   EXPECT_EQ(point.queryX(protocol), nullptr);
   EXPECT_EQ(krAbortMessageOf([&] { point.x(protocol); }), L"KrRxClass::getX() failed!!");
   EXPECT_EQ(krAbortMessageOf([&] { Point::desc()->getX(protocol); }), L"KrRxClass::getX() failed!!");
+}
+
+// queryX looks the table up inline only for classes that keep the root's
+// subQueryX, whether their vtables live here or in the library.
+TEST(KrRxClassTest, QueryXTakesTheInlineLookupOnlyWhereSubQueryXIsTheRoots) {
+  KrRxClass* protocol = makeClass(unique(L"InlineProtocol"), L"Greeter");
+  KrObjectOfClass extension(protocol), answer(protocol);
+  KrRxObject::desc()->addX(protocol, &extension);
+  Point point;
+  Redirecting redirecting;
+  redirecting.mpAnswer = &answer;
+  const KrRxObject* libraryObject = Point::desc();
+  EXPECT_TRUE(KrRxProtocolLookup::keepsDefaultSubQueryX(&point));
+  EXPECT_TRUE(KrRxProtocolLookup::keepsDefaultSubQueryX(libraryObject));
+  EXPECT_FALSE(KrRxProtocolLookup::keepsDefaultSubQueryX(&redirecting));
+  EXPECT_EQ(point.queryX(protocol), &extension);
+  EXPECT_EQ(libraryObject->queryX(protocol), &extension);
+  EXPECT_EQ(redirecting.queryX(protocol), &answer) << "an override is always asked";
+  KrRxObject::desc()->delX(protocol);
+  EXPECT_EQ(libraryObject->queryX(protocol), nullptr);
 }
 
 TEST(KrRxClassTest, DetachingFromAClassWithoutSlotGivesNoSlot) {
