@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchArrayWalk.h"
 #include "BenchHarness.h"
 #include "kr1st.h"
 
@@ -64,6 +65,11 @@ KrRxClass* levelClass(int level) {
   return classes[level];
 }
 
+// The caller's loop of every symbol walk measured here.
+void walk(KrRfSymbolIterator* it) {
+  for (; !it->done(); it->next()) bench::keep(it->symbol());
+}
+
 // members receives kPerClass symbols for each level, level by level.
 void benchSymbols(std::vector<Member*>& members) {
   KrRfReflectionService* service = krrfReflectionService();
@@ -84,18 +90,25 @@ void benchSymbols(std::vector<Member*>& members) {
 
   std::map<std::wstring, KrRfSymbol*> all;
   for (Member* member : members) all.emplace(member->name(), member);
-  bench::sideBySide(
-      "iteration, 3 levels x 100, whole walk",
-      [&](long long) {
-        KrRfSymbolIterator* it = pe->newSymbolIterator(nullptr);
-        for (; !it->done(); it->next()) bench::keep(it->symbol());
-        delete it;
-      },
-      "std::map walk, 300 entries",
-      [&](long long) {
-        for (const auto& entry : all) bench::keep(entry.second);
-      },
-      2000);
+  auto mapWalk = [&](long long) {
+    for (const auto& entry : all) bench::keep(entry.second);
+  };
+  auto symbolWalk = [&](long long) {
+    KrRfSymbolIterator* it = pe->newSymbolIterator(nullptr);
+    walk(it);
+    delete it;
+  };
+  bench::sideBySide("iteration, 3 levels x 100, whole walk", symbolWalk, "std::map walk, 300 entries", mapWalk, 2000);
+  std::vector<KrRfSymbol*> array(members.begin(), members.end());
+  auto arrayWalk = [&](long long) {
+    KrRfSymbolIterator* it = newArrayWalk(array.data(), int(array.size()));
+    walk(it);
+    delete it;
+  };
+  bench::sideBySide("  floor: array iterator in the exe", arrayWalk, "std::map walk, 300 entries", mapWalk, 2000);
+  bench::sideBySide("  of which newSymbolIterator + delete",
+                    [&](long long) { delete pe->newSymbolIterator(nullptr); }, "new + delete of the array iterator",
+                    [&](long long) { delete newArrayWalk(array.data(), int(array.size())); }, 20000);
 }
 
 void benchFormat() {

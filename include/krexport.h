@@ -9,3 +9,9 @@
 #else
 #define KR1ST_API __declspec(dllimport)
 #endif
+
+/// Marks the inline members of the library's class templates and of the
+/// class boilerplate. The library cannot export inline members of its
+/// template instantiations, so these are inlined even in a module built
+/// without optimisation, which would otherwise import them and fail to link.
+#define KR1ST_INLINE __attribute__((always_inline))

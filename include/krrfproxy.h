@@ -108,9 +108,9 @@ class KR1ST_API KrRfPointerT : public KrRfPointer {
 
  public:
   /// Points at an O (null allowed), owning it when own is true.
-  explicit KrRfPointerT(O* object = nullptr, bool own = false) : KrRfPointer(object, own) {}
+  KR1ST_INLINE explicit KrRfPointerT(O* object = nullptr, bool own = false) : KrRfPointer(object, own) {}
 
-  O* object() const override { return static_cast<O*>(mpObject); }
+  KR1ST_INLINE O* object() const override { return static_cast<O*>(mpObject); }
   KrRxClass* objectType() const override;
 };
 

@@ -108,21 +108,21 @@ class KR1ST_API KrRfValueAbstractT : public Base {
   /// The size of T.
   unsigned int sizeOf() const override;
 
-  T& value() { return *static_cast<T*>(this->addressOf()); }  ///< the held T
-  const T& value() const { return *static_cast<const T*>(this->addressOf()); }  ///< the held T, read only
-  operator T&() { return value(); }  ///< the held T
-  operator const T&() const { return value(); }  ///< the held T, read only
-  T* operator->() { return &value(); }  ///< the held T's members
-  const T* operator->() const { return &value(); }  ///< the held T's members, read only
+  KR1ST_INLINE T& value() { return *static_cast<T*>(this->addressOf()); }  ///< the held T
+  KR1ST_INLINE const T& value() const { return *static_cast<const T*>(this->addressOf()); }  ///< the held T, read only
+  KR1ST_INLINE operator T&() { return value(); }  ///< the held T
+  KR1ST_INLINE operator const T&() const { return value(); }  ///< the held T, read only
+  KR1ST_INLINE T* operator->() { return &value(); }  ///< the held T's members
+  KR1ST_INLINE const T* operator->() const { return &value(); }  ///< the held T's members, read only
 };
 
 /// Holds the T as the one field right behind the object header.
 template <typename T, typename Base>
 class KR1ST_API KrRfValueBaseT : public KrRfValueAbstractT<T, Base> {
  public:
-  KrRfValueBaseT() : mValue() {}
-  KrRfValueBaseT(const T& value) : mValue(value) {}  ///< holds value
-  KrRfValueBaseT(const KrRfValueBaseT& other) = default;  ///< holds other's value
+  KR1ST_INLINE KrRfValueBaseT() : mValue() {}
+  KR1ST_INLINE KrRfValueBaseT(const T& value) : mValue(value) {}  ///< holds value
+  KR1ST_INLINE KrRfValueBaseT(const KrRfValueBaseT& other) = default;  ///< holds other's value
 
   /// eInvalidInput unless other is a Base; else takes the other's stored T.
   Kesu::ErrorStatus copyFrom(const KrRxObject* other) override;
@@ -131,14 +131,14 @@ class KR1ST_API KrRfValueBaseT : public KrRfValueAbstractT<T, Base> {
   void* addressOf() override;  ///< where the held T lies
   const void* addressOf() const override;  ///< where the held T lies
 
-  T& value() { return mValue; }  ///< the held T
-  const T& value() const { return mValue; }  ///< the held T, read only
-  operator T&() { return mValue; }  ///< the held T
-  operator const T&() const { return mValue; }  ///< the held T, read only
-  T* operator->() { return &mValue; }  ///< the held T's members
-  const T* operator->() const { return &mValue; }  ///< the held T's members, read only
-  T& operator=(const T& value) { return mValue = value; }  ///< sets the held T
-  T& operator=(const KrRfValueBaseT& other) { return mValue = other.mValue; }  ///< takes other's held T
+  KR1ST_INLINE T& value() { return mValue; }  ///< the held T
+  KR1ST_INLINE const T& value() const { return mValue; }  ///< the held T, read only
+  KR1ST_INLINE operator T&() { return mValue; }  ///< the held T
+  KR1ST_INLINE operator const T&() const { return mValue; }  ///< the held T, read only
+  KR1ST_INLINE T* operator->() { return &mValue; }  ///< the held T's members
+  KR1ST_INLINE const T* operator->() const { return &mValue; }  ///< the held T's members, read only
+  KR1ST_INLINE T& operator=(const T& value) { return mValue = value; }  ///< sets the held T
+  KR1ST_INLINE T& operator=(const KrRfValueBaseT& other) { return mValue = other.mValue; }  ///< takes other's held T
 
  protected:
   /// The held value, right behind the object header.

@@ -24,10 +24,10 @@ enum Ordering : int { kLessThan = -1, kEqual = 0, kGreaterThan = 1, kNotOrderabl
                                                                                    \
  public:                                                                           \
   static KrRxClass* desc();                                                        \
-  static CLASS* cast(KrRxObject* obj) {                                            \
+  KR1ST_INLINE static CLASS* cast(KrRxObject* obj) {                               \
     return obj && obj->isKindOf(desc()) ? static_cast<CLASS*>(obj) : nullptr;      \
   }                                                                                \
-  static const CLASS* cast(const KrRxObject* obj) {                                \
+  KR1ST_INLINE static const CLASS* cast(const KrRxObject* obj) {                   \
     return obj && obj->isKindOf(desc()) ? static_cast<const CLASS*>(obj) : nullptr; \
   }                                                                                \
   KrRxClass* isA() const override;                                                 \

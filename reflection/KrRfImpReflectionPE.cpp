@@ -62,7 +62,7 @@ Kesu::ErrorStatus KrRfImpReflectionPE::removeSymbol(KrRfSymbol* symbol) {
 }
 
 KrRfSymbolIterator* KrRfImpReflectionPE::newSymbolIterator(const KrRxClass* cls) const {
-  return new KrRfImpSymbolIterator(this, cls);
+  return KrRfImpSymbolIterator::create(this, cls);
 }
 
 KrRfSymbol* KrRfImpReflectionPE::symbolAt(const wchar_t* name) const {

@@ -27,6 +27,21 @@ class KR1ST_API KrRxImpDictionaryIterator : public KrRxDictionaryIterator {
     return mPosition != 0;
   }
   KrRxObject* entryObject() const { return mpDictionary->mEntries.data[idAt()].object; }
+  // The same two for an iterator made in id order, without looking at the
+  // order: the cheapest step a walk can take.
+  bool nextById() {
+    const KrRxImpDictionary::Entry* entries = mpDictionary->mEntries.data;
+    const uint32_t end = uint32_t(mpDictionary->mEntries.count);
+    for (uint32_t position = mPosition + 1; position < end; ++position) {
+      if (entries[position].key) {
+        mPosition = position;
+        return true;
+      }
+    }
+    mPosition = 0;
+    return false;
+  }
+  KrRxObject* objectById() const { return mpDictionary->mEntries.data[mPosition].object; }
 
   bool done() const override;
   // Moves to the next entry; false when the walk has ended. On an ended
@@ -44,6 +59,10 @@ class KR1ST_API KrRxImpDictionaryIterator : public KrRxDictionaryIterator {
   unsigned int idAtPosition() const;
   // advance() and idAtPosition() inline.
   void step() {
+    if (!inKeyOrder()) {
+      nextById();
+      return;
+    }
     do {
       if (++mPosition >= uint32_t(mpDictionary->mEntries.count)) {
         mPosition = 0;

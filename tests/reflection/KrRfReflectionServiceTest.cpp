@@ -143,6 +143,55 @@ TEST_F(ReflectionTest, IterationRunsRootFirstAndPassesOverClassesWithoutSymbols)
   EXPECT_EQ(dog->symbolAt(L"legs"), nullptr);
 }
 
+TEST_F(ReflectionTest, IterationSeesSymbolsAddedAndRemovedBetweenWalksInIdOrder) {
+  TestSymbol* legs = add(Animal::desc(), L"legs");
+  TestSymbol* eyes = add(Animal::desc(), L"eyes");
+  add(Animal::desc(), L"tail");
+  add(Mammal::desc(), L"fur");
+  add(Dog::desc(), L"bark");
+  KrRfReflectionPE* animal = krrfReflectionService()->reflectionPE(Animal::desc(), false);
+  KrRfReflectionPE* dog = krrfReflectionService()->reflectionPE(Dog::desc(), false);
+  ASSERT_EQ(animal->removeSymbol(eyes), Kesu::eOk);
+  EXPECT_EQ(walk(dog->newSymbolIterator(nullptr)),
+            (std::vector<std::wstring>{L"Animal.legs", L"Animal.tail", L"Mammal.fur", L"Dog.bark"}));
+  // A symbol put back comes last in its class; free positions at the end of
+  // one class's symbols lead on to the next class.
+  ASSERT_EQ(animal->addSymbol(eyes), Kesu::eOk);
+  ASSERT_EQ(animal->removeSymbol(legs), Kesu::eOk);
+  ASSERT_EQ(animal->removeSymbol(eyes), Kesu::eOk);
+  EXPECT_EQ(walk(dog->newSymbolIterator(nullptr)),
+            (std::vector<std::wstring>{L"Animal.tail", L"Mammal.fur", L"Dog.bark"}));
+  ASSERT_EQ(animal->addSymbol(legs), Kesu::eOk);
+  EXPECT_EQ(walk(dog->newSymbolIterator(nullptr)),
+            (std::vector<std::wstring>{L"Animal.tail", L"Animal.legs", L"Mammal.fur", L"Dog.bark"}));
+}
+
+// Chains of every length walk the same, whether the iterator keeps their
+// extensions beside itself or in a list of its own that grows.
+TEST_F(ReflectionTest, IterationOverLongChainsRunsRootFirst) {
+  static const wchar_t* const kSymbols[] = {L"s0", L"s1", L"s2", L"s3", L"s4", L"s5", L"s6", L"s7", L"s8",
+                                            L"s9", L"s10", L"s11", L"s12", L"s13", L"s14", L"s15", L"s16"};
+  for (int depth : {1, 8, 9, 17}) {
+    std::vector<KrRxClass*> chain;
+    std::wstring parent = L"KrRxObject";
+    for (int level = 0; level < depth; ++level) {
+      std::wstring name = L"Chain" + std::to_wstring(depth) + L"_" + std::to_wstring(level);
+      chain.push_back(newKrRxClass(name.c_str(), parent.c_str(), 0, nullptr, nullptr, nullptr));
+      parent = name;
+    }
+    krrxBuildClassHierarchy();
+    std::vector<std::wstring> expected;
+    for (int level = 0; level < depth; ++level) {
+      add(chain[level], kSymbols[level]);
+      expected.push_back(parent.substr(0, parent.rfind(L'_') + 1) + std::to_wstring(level) + L"." + kSymbols[level]);
+    }
+    KrRfReflectionPE* deepest = krrfReflectionService()->reflectionPE(chain.back(), false);
+    EXPECT_EQ(walk(deepest->newSymbolIterator(nullptr)), expected) << depth;
+    EXPECT_EQ(walk(deepest->newSymbolIterator(chain[depth / 2])), std::vector<std::wstring>{expected[depth / 2]})
+        << depth;
+  }
+}
+
 TEST_F(ReflectionTest, IterationRestrictedToAClassVisitsOnlyItsOwnSymbols) {
   add(Animal::desc(), L"legs");
   add(Dog::desc(), L"bark");
