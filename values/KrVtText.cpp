@@ -129,6 +129,50 @@ class PlainNumber {
   bool mLeaveToScan;
 };
 
+constexpr uint64_t kPowersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+
+// |v| at decimals places as its whole part and its fraction digits, rounded
+// from the exact binary value v = mantissa * 2^-shift, ties to even, as the
+// C formats round. False for infinities, NaNs, a whole part beyond 64 bits
+// and more decimals than the table holds; those take the general path.
+bool roundFixed(double v, int decimals, uint64_t& whole, uint64_t& fraction) {
+  if (decimals < 0 || decimals >= int(sizeof kPowersOfTen / sizeof *kPowersOfTen)) return false;
+  uint64_t bits;
+  memcpy(&bits, &v, sizeof bits);
+  int exponent = int(bits >> 52 & 0x7FF);
+  uint64_t mantissa = bits & ((uint64_t(1) << 52) - 1);
+  if (exponent == 0x7FF) return false;
+  if (exponent) mantissa |= uint64_t(1) << 52;
+  else exponent = 1;
+  int shift = 1075 - exponent;
+  if (shift <= 0) {
+    if (shift < -11) return false;
+    whole = mantissa << -shift;
+    fraction = 0;
+    return true;
+  }
+  // Below 2^-48 even the largest scaled fraction stays under half a unit of
+  // the last decimal: all digits are zero.
+  if (shift > 100) {
+    whole = fraction = 0;
+    return true;
+  }
+  whole = shift < 64 ? mantissa >> shift : 0;
+  uint64_t rest = shift < 64 ? mantissa & ((uint64_t(1) << shift) - 1) : mantissa;
+  unsigned __int128 scaled = static_cast<unsigned __int128>(rest) * kPowersOfTen[decimals];
+  fraction = static_cast<uint64_t>(scaled >> shift);
+  unsigned __int128 remainder = scaled - (static_cast<unsigned __int128>(fraction) << shift);
+  unsigned __int128 half = static_cast<unsigned __int128>(1) << (shift - 1);
+  bool odd = (decimals ? fraction : whole) & 1;
+  if (remainder > half || (remainder == half && odd)) {
+    if (++fraction == kPowersOfTen[decimals]) {
+      fraction = 0;
+      ++whole;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
 // Composer
@@ -158,8 +202,18 @@ Composer& Composer::padded(long long v, int width) {
 }
 
 Composer& Composer::fixed(double v, int decimals) {
-  char digits[340];
-  return ascii(digits, std::to_chars(digits, digits + sizeof digits, v, std::chars_format::fixed, decimals).ptr);
+  uint64_t whole = 0, fraction = 0;
+  if (!roundFixed(v, decimals, whole, fraction)) {
+    char digits[340];
+    return ascii(digits, std::to_chars(digits, digits + sizeof digits, v, std::chars_format::fixed, decimals).ptr);
+  }
+  if (std::signbit(v)) mText[mLength++] = L'-';
+  integer(static_cast<unsigned long long>(whole));
+  if (decimals == 0) return *this;
+  mText[mLength++] = L'.';
+  for (int i = decimals - 1; i >= 0; --i, fraction /= 10) mText[mLength + unsigned(i)] = wchar_t(L'0' + fraction % 10);
+  mLength += unsigned(decimals);
+  return *this;
 }
 
 Composer& Composer::exponent(double v, int decimals) {

@@ -59,11 +59,13 @@ void expectTextOrFailure(const char* name, const std::function<Kesu::ErrorStatus
 // A template's placeholder whose value cannot be formatted contributes
 // nothing, and a result whose block cannot be had stays untouched: what the
 // template gives is its full text with any placeholders left out, or nothing.
+// The template is long enough to be composed in a heap block.
 TEST(KrRfFailureTest, TemplatesLoseWholePlaceholdersOnly) {
   describeTestDoor();
   TestDoor door;
   const wchar_t* const paths[] = {L"name", L"width", L"slope", L"share", L"installed", L"price"};
-  std::wstring format;
+  const std::wstring lead(1500, L'-');
+  std::wstring format = lead;
   std::vector<std::wstring> values;
   for (const wchar_t* path : paths) {
     wchar_t* value = nullptr;
@@ -75,7 +77,7 @@ TEST(KrRfFailureTest, TemplatesLoseWholePlaceholdersOnly) {
   std::set<std::wstring> allowed;
   std::wstring fullText;
   for (unsigned kept = 0; kept < 1u << values.size(); ++kept) {
-    std::wstring text;
+    std::wstring text = lead;
     for (size_t i = 0; i < values.size(); ++i) text += (kept >> i & 1 ? values[i] : L"") + L";";
     allowed.insert(text);
     if (kept == (1u << values.size()) - 1) fullText = text;

@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <limits>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "KrRfTestDoor.h"
 #include "KrRfTestSymbols.h"
@@ -172,6 +175,48 @@ TEST(KrRfFormatString, EveryKindOfValueIsWrittenByItsOwnFormattable) {
   EXPECT_NE(textOf(KrVtPercentage(0.125)), textOf(KrVtRatio(0.125)));
 }
 
+// A property of the number kind T whose reading insists on a fresh value of
+// exactly T's class and writes T's extreme into it.
+template <typename T>
+TestProperty* extremeProperty(const wchar_t* name) {
+  return new TestProperty(name, KrRfValueT<T>::desc(), [](const KrRxObject*, KrRxObject* value) {
+    if (value->isA() != KrRfValueT<T>::desc()) return Kesu::eWrongObjectType;
+    T& held = static_cast<KrRfValueT<T>*>(value)->value();
+    if (held != T()) return Kesu::eInvalidInput;
+    held = std::numeric_limits<T>::is_signed ? std::numeric_limits<T>::lowest() : std::numeric_limits<T>::max();
+    return Kesu::eOk;
+  });
+}
+
+TEST(KrRfFormatString, EveryNumberKindIsReadIntoAFreshValueOfItsOwnClass) {
+  KrRfReflectionPE* pe = krrfReflectionService()->reflectionPE(TestDoor::desc(), false);
+  std::vector<std::unique_ptr<TestProperty>> numbers;
+  numbers.emplace_back(extremeProperty<signed char>(L"i8"));
+  numbers.emplace_back(extremeProperty<unsigned char>(L"u8"));
+  numbers.emplace_back(extremeProperty<short>(L"i16"));
+  numbers.emplace_back(extremeProperty<unsigned short>(L"u16"));
+  numbers.emplace_back(extremeProperty<int>(L"i32"));
+  numbers.emplace_back(extremeProperty<unsigned int>(L"u32"));
+  numbers.emplace_back(extremeProperty<__int64>(L"i64"));
+  numbers.emplace_back(extremeProperty<unsigned __int64>(L"u64"));
+  numbers.emplace_back(extremeProperty<double>(L"f64"));
+  std::wstring text, expected;
+  for (const auto& number : numbers) {
+    ASSERT_EQ(pe->addSymbol(number.get()), Kesu::eOk);
+    std::wstring placeholder = L"%<" + std::wstring(number->name()) + L">%";
+    KrRxObject* value = nullptr;
+    TestDoor front;
+    ASSERT_EQ(krrfEvaluateString(number->name(), &front, value), Kesu::eOk);
+    expected += textOf(*value) + L"," + textOf(*value) + L";";
+    delete value;
+    text += placeholder + L"," + placeholder + L";";
+  }
+  TestDoor front;
+  EXPECT_EQ(formatted(text.c_str(), &front), expected);
+  EXPECT_EQ(expected.substr(0, 9), L"-128,-128");
+  for (const auto& number : numbers) pe->removeSymbol(number.get());
+}
+
 TEST(KrRfFormatString, PlaceholdersThatCannotBeFilledDisappear) {
   TestDoor front;
   EXPECT_EQ(formatted(L"[%<height>%] after", &front), L"[] after");
@@ -201,6 +246,7 @@ TEST(KrRfFormatString, TheComposedTextStopsAtTheLimit) {
   EXPECT_EQ(formatted((filled + L"%<name>%").c_str(), &front), filled + L"front");
   EXPECT_EQ(formatted((filled + L"%<name>%%<name>%tail").c_str(), &front), filled + L"front");
   EXPECT_EQ(formatted((exact + L"more").c_str(), &front), exact);
+  EXPECT_EQ(formatted((L"%<name>%" + filled + L"%<name>%").c_str(), &front), L"front" + filled);
 }
 
 TEST(KrRfFormatString, TheContextReachesEveryFormattable) {

@@ -84,7 +84,13 @@ void expectDoubleTexts(const wchar_t* format, const wchar_t* exponentFormat) {
 TEST(KrVtNumberTextDiff, Float64AndCurrencyWriteThePrintfDigits) {
   expectDoubleTexts<KrVtFloat64>(L"%.03f", L"%.03E");
   expectDoubleTexts<KrVtCurrency>(L"%.02f", L"%.02f");
-  for (double edge : {-0.0, -0.0004, 0.0005, 0.0625, -0.0625, 0.125, 1e300, -1.7976931348623157e308, 4.9e-324}) {
+  // Besides: the rounding carried into the whole part, the neighbours of
+  // 2^-11 (where the fraction's bits outgrow 64), 2^53 + 2 and 2^64 (where
+  // whole numbers outgrow 64 bits), and ties of every decimal both kinds use.
+  for (double edge : {-0.0, -0.0004, 0.0005, 0.0625, -0.0625, 0.125, 1e300, -1.7976931348623157e308, 4.9e-324,
+                      0.9996, -0.99951, 0x1p-11, std::nextafter(0x1p-11, 0.0), std::nextafter(0x1p-11, 1.0),
+                      std::nextafter(0.0005, 0.0), std::nextafter(0.0005, 1.0), 0x1p53 + 2, 0x1p64,
+                      std::nextafter(0x1p64, 0.0), 0.0025, 2.5e-3 + 0x1p-60, 8.0625, 0.5, -2.5}) {
     KrVtFloat64 number(edge);
     KrVtCurrency amount(edge);
     EXPECT_EQ(krvtTextOf(&number), printedDouble(edge, L"%.03f", L"%.03E"));
