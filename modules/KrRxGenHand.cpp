@@ -20,6 +20,7 @@
 #include "modules/KrRxGuardedCall.h"
 #include "modules/KrRxImpDynamicLinker.h"
 #include "modules/KrRxImportBinding.h"
+#include "modules/KrRxLinkerSteps.h"
 #include "runtime/KrRxCoreClass.h"
 #include "runtime/KrRxCurrentModule.h"
 #include "runtime/KrRxGrowArray.h"
@@ -51,6 +52,9 @@ const KrRxModuleCalls moduleCalls = {
 [[maybe_unused]] const bool lowerFloorsReachModules =
     (krSetModuleNameSource(runningModuleName), krrxSetModuleCalls(&moduleCalls));
 
+using krrxLinker::modulePath;
+
+// A module's own paths, and those of its dependencies, are read up to this length.
 constexpr DWORD kPathCapacity = 2048;
 
 // Makes a module and message current for the lifetime of the scope, and
@@ -80,12 +84,6 @@ KrRxDictionary* newAppDataDictionary() {
   return kernel ? kernel->newKrRxDictionary(false, false) : nullptr;
 }
 
-// The full path of a loaded module, or false.
-bool modulePath(HMODULE module, wchar_t (&path)[kPathCapacity]) {
-  DWORD length = GetModuleFileNameW(module, path, kPathCapacity);
-  return length > 0 && length < kPathCapacity;
-}
-
 // The version resource of the module's file in a zero-filled global block, or null.
 HGLOBAL readVersionInfo(HMODULE module) {
   // The loaded image has the same resources as its file and tells at once
@@ -93,7 +91,7 @@ HGLOBAL readVersionInfo(HMODULE module) {
   // (slow) file reads.
   if (!FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION)) return nullptr;
   wchar_t path[kPathCapacity];
-  if (!modulePath(module, path)) return nullptr;
+  if (!modulePath(module, path, kPathCapacity)) return nullptr;
   wchar_t shortPath[kPathCapacity];
   DWORD shortLength = GetShortPathNameW(path, shortPath, kPathCapacity);
   const wchar_t* file = shortLength > 0 && shortLength < kPathCapacity ? shortPath : path;
@@ -260,7 +258,7 @@ bool KrRxGenHand::loadDependencies(KrRxDynamicLinker* linker, bool printMessages
   bool loaded = true;
   for (int32_t i = 0; i < found.count && loaded; ++i) {
     wchar_t path[kPathCapacity];
-    loaded = modulePath(found.data[i], path) && linker->loadModule(path, printMessages, false);
+    loaded = modulePath(found.data[i], path, kPathCapacity) && linker->loadModule(path, printMessages, false);
     // A dependency that cannot be recorded could never be unloaded: it goes again.
     if (loaded && !mpDependencies->append(found.data[i])) {
       linker->unloadModule(path, false);
@@ -274,7 +272,7 @@ bool KrRxGenHand::loadDependencies(KrRxDynamicLinker* linker, bool printMessages
 void KrRxGenHand::unloadDependencies(KrRxDynamicLinker* linker) {
   for (int32_t i = mpDependencies->count - 1; i >= 0; --i) {
     wchar_t path[kPathCapacity];
-    if (modulePath(static_cast<HMODULE>(mpDependencies->data[i]), path)) linker->unloadModule(path, false);
+    if (modulePath(static_cast<HMODULE>(mpDependencies->data[i]), path, kPathCapacity)) linker->unloadModule(path, false);
   }
   mpDependencies->count = 0;
 }

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <cwchar>
 #include <string>
 
 #include "krrxdynamiclinker.h"
@@ -45,10 +46,14 @@ void reportSystemError(DWORD error) {
   LocalFree(text);
 }
 
+bool modulePath(HMODULE module, wchar_t* path, DWORD capacity) {
+  DWORD length = GetModuleFileNameW(module, path, capacity);
+  return length > 0 && length < capacity;
+}
+
 std::wstring modulePath(HMODULE module) {
   std::wstring path(kLongPathCapacity, L'\0');
-  DWORD length = GetModuleFileNameW(module, &path[0], kLongPathCapacity);
-  path.resize(length < kLongPathCapacity ? length : 0);
+  path.resize(modulePath(module, &path[0], kLongPathCapacity) ? wcslen(path.c_str()) : 0);
   return path;
 }
 

@@ -28,7 +28,10 @@ void notify(const KrRxImpSet* set, Notification notification, const wchar_t* mod
 
 // The system's text for error, through the host's message output.
 void reportSystemError(DWORD error);
-// The full path module was mapped from, or empty.
+// Writes the full path module was mapped from into path (capacity characters,
+// terminator included); false when module is not loaded or its path does not fit.
+bool modulePath(HMODULE module, wchar_t* path, DWORD capacity);
+// The full path module was mapped from, up to the longest path the system has, or empty.
 std::wstring modulePath(HMODULE module);
 // Checks the probed module's API version and entry point, with the messages for a refusal.
 bool acceptsEntryProtocol(HMODULE probe, const wchar_t* fileName, bool printMessages);
