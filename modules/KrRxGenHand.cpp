@@ -272,7 +272,8 @@ bool KrRxGenHand::loadDependencies(KrRxDynamicLinker* linker, bool printMessages
 void KrRxGenHand::unloadDependencies(KrRxDynamicLinker* linker) {
   for (int32_t i = mpDependencies->count - 1; i >= 0; --i) {
     wchar_t path[kPathCapacity];
-    if (modulePath(static_cast<HMODULE>(mpDependencies->data[i]), path, kPathCapacity)) linker->unloadModule(path, false);
+    if (modulePath(static_cast<HMODULE>(mpDependencies->data[i]), path, kPathCapacity))
+      linker->unloadModule(path, false);
   }
   mpDependencies->count = 0;
 }

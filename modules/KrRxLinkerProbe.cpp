@@ -5,7 +5,6 @@
 
 #include <windows.h>
 
-#include <cwchar>
 #include <string>
 
 #include "krrxdynamiclinker.h"
@@ -46,14 +45,14 @@ void reportSystemError(DWORD error) {
   LocalFree(text);
 }
 
-bool modulePath(HMODULE module, wchar_t* path, DWORD capacity) {
+DWORD modulePath(HMODULE module, wchar_t* path, DWORD capacity) {
   DWORD length = GetModuleFileNameW(module, path, capacity);
-  return length > 0 && length < capacity;
+  return length < capacity ? length : 0;
 }
 
 std::wstring modulePath(HMODULE module) {
   std::wstring path(kLongPathCapacity, L'\0');
-  path.resize(modulePath(module, &path[0], kLongPathCapacity) ? wcslen(path.c_str()) : 0);
+  path.resize(modulePath(module, &path[0], kLongPathCapacity));
   return path;
 }
 

@@ -29,8 +29,9 @@ void notify(const KrRxImpSet* set, Notification notification, const wchar_t* mod
 // The system's text for error, through the host's message output.
 void reportSystemError(DWORD error);
 // Writes the full path module was mapped from into path (capacity characters,
-// terminator included); false when module is not loaded or its path does not fit.
-bool modulePath(HMODULE module, wchar_t* path, DWORD capacity);
+// terminator included) and returns its length; 0 when module is not loaded or
+// its path does not fit.
+DWORD modulePath(HMODULE module, wchar_t* path, DWORD capacity);
 // The full path module was mapped from, up to the longest path the system has, or empty.
 std::wstring modulePath(HMODULE module);
 // Checks the probed module's API version and entry point, with the messages for a refusal.
